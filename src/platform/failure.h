@@ -29,6 +29,9 @@ struct Failure {
 // The standing description of a number, or "Application-defined or object-defined error".
 std::string FailureDescription(int number);
 
+// The text of the box titled "Error" that tells of a failure.
+std::string FailureText(const Failure& failure);
+
 // Throws Failure. An empty description takes the standing one.
 [[noreturn]] void RaiseFailure(int number, std::string description = {},
                                std::string source = "Halvane2");

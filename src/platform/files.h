@@ -1,0 +1,56 @@
+// The only door to the disk. Failures are Failure records: 53 not found, 61 disk full, 62 past the
+// end, 70 no permission (or read-only, or in use), 75 not a plain file, 76 no such folder, 57
+// others. Every read and write goes through here, so that tests can fail the nth.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+enum class FileMode { Read, Write, Append, ReadWrite };  // Write truncates; ReadWrite creates
+
+// A number that names an open file; 0 is none.
+using FileHandle = int;
+
+FileHandle OpenFile(const std::string& path, FileMode mode);
+// Up to size bytes at the place; the result is short only at the end of the file.
+std::size_t ReadFile(FileHandle file, std::span<std::uint8_t> bytes);
+void WriteFile(FileHandle file, std::span<const std::uint8_t> bytes);
+void SeekFile(FileHandle file, std::int64_t position);
+std::int64_t FilePosition(FileHandle file);
+std::int64_t FileLength(FileHandle file);
+bool EndOfFile(FileHandle file);
+// One line without its end (CR LF, LF or CR); fails past the end.
+std::string ReadLine(FileHandle file);
+// One character; fails past the end (62).
+int ReadCharacter(FileHandle file);
+void WriteText(FileHandle file, const std::string& text);
+// Flushes what has been written. Closing an unknown or closed handle does nothing.
+void FlushFile(FileHandle file);
+void CloseFile(FileHandle file);
+void CloseAllFiles();
+
+std::vector<std::uint8_t> ReadWholeFile(const std::string& path);
+
+// Replaces the file so that a power cut, a kill or a full disk in the middle leaves either the old
+// file or the new one: written beside it, flushed and checked, synced, renamed, the folder synced.
+// Links are followed; permissions stay; strays of a killed save are removed. A read-only file
+// fails with 70.
+void SaveWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
+
+bool FileExists(const std::string& path);  // a plain file (or a device), not a folder
+bool FolderExists(const std::string& path);
+void CopyFile(const std::string& from, const std::string& to);
+void DeleteFile(const std::string& path);
+std::string FileDate(const std::string& path);  // "2026-11-21 14:05:09", local time
+// Names, sorted without regard to case.
+std::vector<std::string> ListDrives();
+std::vector<std::string> ListFolders(const std::string& folder);
+std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern);
+
+std::string CurrentFolder();
+void ChangeFolder(const std::string& folder);
+// Where the program's own data stands (base.bin, tips, guide): beside the program, else installed.
+// The full path of a data file: the one in the current folder first.
+std::string DataFile(const std::string& name);
