@@ -1,0 +1,73 @@
+# A virtual display with a window manager, real keys and pictures. Sourced by the end-to-end jobs.
+set -euo pipefail
+
+pieces=()
+finish() {
+  local piece
+  for ((i = ${#pieces[@]} - 1; i >= 0; --i)); do
+    piece=${pieces[i]}
+    kill "$piece" 2>/dev/null || true
+    wait "$piece" 2>/dev/null || true
+  done
+}
+trap finish EXIT
+
+die() {
+  printf 'FAILED: %s\n' "$*" >&2
+  [ -n "${DISPLAY:-}" ] && picture failed || true
+  exit 1
+}
+
+# start_display WIDTH HEIGHT
+start_display() {
+  local number_file
+  number_file=$(mktemp)
+  Xvfb -displayfd 3 -screen 0 "$1x$2x24" -nolisten tcp 3>"$number_file" 2>/dev/null &
+  pieces+=($!)
+  local try
+  for try in $(seq 200); do
+    [ -s "$number_file" ] && break
+    sleep 0.05
+  done
+  [ -s "$number_file" ] || die "no virtual display"
+  DISPLAY=:$(tr -d '\n' <"$number_file")
+  rm -f "$number_file"
+  export DISPLAY
+  unset WAYLAND_DISPLAY
+  openbox >/dev/null 2>&1 &
+  pieces+=($!)
+}
+
+# wait_for SECONDS WHAT COMMAND...: the command succeeds within the time.
+wait_for() {
+  local seconds=$1 what=$2
+  shift 2
+  local end=$((SECONDS + seconds))
+  until "$@" >/dev/null 2>&1; do
+    [ "$SECONDS" -lt "$end" ] || die "waited in vain for $what"
+    kill -0 "$program" 2>/dev/null || die "the program has ended while waiting for $what"
+    sleep 0.05
+  done
+}
+
+window_titled() { xdotool search --onlyvisible --name "$1"; }
+
+# The picture has stood still for a moment.
+settle() {
+  local before='' now='' try
+  for try in $(seq 60); do
+    now=$(import -silent -window root -depth 8 rgb:- | cksum)
+    [ "$now" = "$before" ] && return 0
+    before=$now
+    sleep 0.15
+  done
+}
+
+step=0
+picture() { # NAME: numbered picture of the whole display
+  step=$((step + 1))
+  import -silent -window root "$out/$(printf '%02d' "$step")-$1.png"
+}
+
+keys() { xdotool key --clearmodifiers --delay 30 "$@"; }
+type_text() { xdotool type --clearmodifiers --delay 15 -- "$1"; }
