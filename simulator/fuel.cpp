@@ -57,9 +57,12 @@ double Engine::Enrichment() {
     sum += (share(cell::Start20Temperature) * coldness + share(cell::Start20Constant)) *
            (1 - stateS_ / 20);
   }
+  // A quick foot earns the whole enrichment with a fifth of the throttle's way, and less with less.
   if (throttleRate_ > cal_.Scaled(cell::ThrottleRate, 2.438)) {
-    acceleration_ = share(cell::AccelTemperature) * coldness + share(cell::AccelConstant) +
-                    share(cell::AccelDecaying) + share(cell::AccelVariable);
+    const double whole = share(cell::AccelTemperature) * coldness + share(cell::AccelConstant) +
+                         share(cell::AccelDecaying) + share(cell::AccelVariable);
+    const double way = throttleRate_ * StepS / (OpenThrottleVolts - ClosedThrottleVolts);
+    acceleration_ = std::min(acceleration_ + whole * way / 0.2, whole);
   }
   acceleration_ *= std::exp(-StepS / std::max(cal_.Scaled(cell::AccelTime, 4), 0.1));
   sum += acceleration_;
@@ -131,7 +134,7 @@ void Engine::StepEgo() {
     egoAverage_ += (missing - egoAverage_) / 8;
     const double steps = missing / std::max(cal_.Raw(cell::EgoInstant), 1.0) +
                          egoAverage_ / std::max(cal_.Raw(cell::EgoAverage), 1.0);
-    constexpr double RestlessCounts = 0.5;  // the loop never rests: it has to see both sides
+    constexpr double RestlessCounts = 1.5;  // the loop never rests: it has to see both sides
     correction_ += (std::clamp(steps, -4.0, 4.0) + std::copysign(RestlessCounts, missing)) / 255;
   }
   const double authority = cal_.Scaled(cell::EgoAuthority, 255);

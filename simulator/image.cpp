@@ -125,7 +125,7 @@ void WriteEnrichments(Writer& w) {
   w.Scaled(188, 85, acceleration);
   w.Raw(190, 0.5 * 4);
   w.Raw(191, .2 * 85);
-  w.Raw(192, .2 * 255);
+  w.Raw(192, .34 * 255);
   w.Raw(208, 2200 / 15.31);
   w.Raw(209, 1800 / 15.31);
   w.Raw(210, 3 * 2.438);
@@ -161,7 +161,7 @@ void WriteIdleAndEgo(Writer& w) {
   w.Raw(205, 100 / 4.096 - 1);
   w.Temperature(206, 50);
   w.Raw(207, .15 * 255);
-  w.Kpa(214, 15);
+  w.Kpa(214, 24);
   w.Raw(222, 32);
   w.Scaled(225, 4.25, CoolantAdvance);
   w.Raw(237, 0.5 * 20.74);

@@ -28,7 +28,8 @@ struct ZemSettings {
 class Zem {
  public:
   // A ZEM that was just turned on, with a warm engine idling, at time 0.
-  explicit Zem(ZemSettings settings = {}, const Image& image = DefaultImage());
+  Zem() : Zem(ZemSettings{}) {}
+  explicit Zem(ZemSettings settings, const Image& image = DefaultImage());
 
   // A byte leaves the PC at this time, or as soon as the line is free. Times never run backwards.
   void Receive(std::uint8_t byte, std::int64_t nowUs);
