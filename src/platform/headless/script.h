@@ -12,8 +12,9 @@
 #include "platform/dialogs.h"
 #include "platform/screen.h"
 
-// Everything back to the start: clock 0, no files but the empty current folder "/home/user", no
-// settings, no devices, no boxes, no answers. Calls ResetPlatform.
+// Everything back to the start: clock 0, no files but the empty current folder "/home/user" and the
+// empty folder of the program's data "/program", no settings, no devices, no boxes, no answers.
+// Calls ResetPlatform.
 void ResetHeadless();
 
 // ---- clock: a yield is one pass of 30 microseconds, and due events run in it --------------------
@@ -33,6 +34,7 @@ void PutFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
 void PutTextFile(const std::string& path, const std::string& text);
 std::vector<std::uint8_t> FileBytes(const std::string& path);  // empty when there is none
 std::string FileTextOf(const std::string& path);
+void PutLink(const std::string& path, const std::string& target);
 void PutFolder(const std::string& path);
 void SetReadOnlyFile(const std::string& path, bool readOnly);
 void SetUnreadableFile(const std::string& path, bool unreadable);
@@ -63,6 +65,7 @@ void DeliverLineEvent(const std::string& device, int number);
 std::vector<std::uint8_t> WrittenTo(const std::string& device);  // all since the reset
 void ForgetWritten(const std::string& device);
 bool DeviceIsOpen(const std::string& device);
+std::string PortSettingsOf(const std::string& device);        // of the last time it was opened
 void SetDeviceOfPort(int number, const std::string& device);  // default "COM<n>"
 
 // ---- the rest of the outside --------------------------------------------------------------------
@@ -93,10 +96,17 @@ void HeadlessCloseBox(Screen& screen);
 void HeadlessCloseFrame();
 void ResizeCanvas(Control& control, int width, int height);  // default 640 x 480
 std::string LastPopUpMenu();  // name of the menu popped up last, "" after it was asked
+// What the user sees, as of the last told change of the record.
+std::string SeenText(const Control& control);  // text of a field, caption of others, chosen item
+bool SeenVisible(const Control& control);
+bool SeenEnabled(const Control& control);
+Control* SeenFocus();  // the control that has the keys, or null
+int SeenFocusMoves();  // how often the focus was seen to move since the reset
 
 // ---- boxes ------------------------------------------------------------------------------------
-// Every box is kept, and answered from the list of answers; without one it is left by its close
-// box. A hook runs while the box is open (the queue runs meanwhile).
+// Every box is kept, and answered from the list of answers of its kind; without one, or when it has
+// no such button, it is left by its close box. A hook runs while the box is open (the queue runs
+// meanwhile).
 struct HeadlessBox {
   std::string kind;  // "message", "input", "open", "save"
   std::string title;
@@ -104,6 +114,7 @@ struct HeadlessBox {
   Buttons buttons = Buttons::Ok;
   BoxIcon icon = BoxIcon::None;
   std::string filter;
+  std::string preset;  // of an input box
 };
 std::vector<HeadlessBox>& HeadlessBoxes();
 void PushAnswer(Answer answer);

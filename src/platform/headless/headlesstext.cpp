@@ -1,0 +1,156 @@
+// Editing in a text field the way a line edit of a desktop does it.
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+
+#include "platform/headless/headless.h"
+#include "platform/native.h"
+
+namespace {
+
+// Cursor and the other end of the selection.
+struct Cursor {
+  int anchor = 0;
+  int at = 0;
+  const Control* field = nullptr;
+};
+
+Cursor last;
+
+int Size(const Control& control) { return static_cast<int>(control.text.size()); }
+
+// The record knows where the selection is, not at which end the cursor stands; that is remembered
+// as long as the selection is ours.
+Cursor CursorOf(const Control& control) {
+  int start = std::clamp(control.selStart, 0, Size(control));
+  int end = std::clamp(start + control.selLength, start, Size(control));
+  bool ours = last.field == &control && std::min(last.anchor, last.at) == start &&
+              std::max(last.anchor, last.at) == end;
+  return ours ? last : Cursor{start, end, &control};
+}
+
+void PlaceCursor(Control& control, const Cursor& cursor) {
+  last = cursor;
+  UserSelection(control, std::min(cursor.anchor, cursor.at), std::abs(cursor.at - cursor.anchor));
+}
+
+void Replace(Control& control, int start, int end, const std::string& by) {
+  if (control.readOnly) return;
+  std::string text = control.text;
+  text.replace(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start), by);
+  int at = start + static_cast<int>(by.size());
+  last = {at, at, &control};
+  headless::Typed(control, text);
+  UserText(control, text, at, 0);
+}
+
+int LineStart(const std::string& text, int at) {
+  if (at == 0) return 0;
+  std::size_t found = text.rfind('\n', static_cast<std::size_t>(at - 1));
+  return found == std::string::npos ? 0 : static_cast<int>(found) + 1;
+}
+
+int LineEnd(const std::string& text, int at) {
+  std::size_t found = text.find('\n', static_cast<std::size_t>(at));
+  return static_cast<int>(found == std::string::npos ? text.size() : found);
+}
+
+bool WordLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
+
+int WordLeft(const std::string& text, int at) {
+  auto letter = [&](int i) { return WordLetter(text[static_cast<std::size_t>(i)]); };
+  while (at > 0 && !letter(at - 1)) --at;
+  while (at > 0 && letter(at - 1)) --at;
+  return at;
+}
+
+int WordRight(const std::string& text, int at) {
+  int size = static_cast<int>(text.size());
+  auto letter = [&](int i) { return WordLetter(text[static_cast<std::size_t>(i)]); };
+  while (at < size && letter(at)) ++at;
+  while (at < size && !letter(at)) ++at;
+  return at;
+}
+
+int OneLineUp(const std::string& text, int at) {
+  int start = LineStart(text, at);
+  if (start == 0) return 0;
+  int above = LineStart(text, start - 1);
+  return std::min(above + at - start, start - 1);
+}
+
+int OneLineDown(const std::string& text, int at) {
+  int end = LineEnd(text, at);
+  if (end == static_cast<int>(text.size())) return end;
+  return std::min(end + 1 + at - LineStart(text, at), LineEnd(text, end + 1));
+}
+
+// Where a cursor key leads to, or -1 for other keys.
+int Destination(const Control& control, const Cursor& cursor, const KeyEvent& event) {
+  const std::string& text = control.text;
+  bool many = control.kind == ControlKind::TextArea;
+  switch (event.key) {
+    case KeyLeft:
+      return event.ctrl ? WordLeft(text, cursor.at) : std::max(cursor.at - 1, 0);
+    case KeyRight:
+      return event.ctrl ? WordRight(text, cursor.at) : std::min(cursor.at + 1, Size(control));
+    case KeyHome:
+      return many && !event.ctrl ? LineStart(text, cursor.at) : 0;
+    case KeyEnd:
+      return many && !event.ctrl ? LineEnd(text, cursor.at) : Size(control);
+    case KeyUp:
+      return many ? OneLineUp(text, cursor.at) : -1;
+    case KeyDown:
+      return many ? OneLineDown(text, cursor.at) : -1;
+    default:
+      return -1;
+  }
+}
+
+void MoveCursor(Control& control, Cursor cursor, const KeyEvent& event, int to) {
+  bool selected = cursor.anchor != cursor.at;
+  if (selected && !event.shift && !event.ctrl && event.key == KeyLeft)
+    to = std::min(cursor.anchor, cursor.at);
+  if (selected && !event.shift && !event.ctrl && event.key == KeyRight)
+    to = std::max(cursor.anchor, cursor.at);
+  cursor.at = to;
+  if (!event.shift) cursor.anchor = to;
+  cursor.field = &control;
+  PlaceCursor(control, cursor);
+}
+
+void Erase(Control& control, const Cursor& cursor, const KeyEvent& event) {
+  int start = std::min(cursor.anchor, cursor.at), end = std::max(cursor.anchor, cursor.at);
+  if (start == end && event.key == KeyBackspace)
+    start = event.ctrl ? WordLeft(control.text, end) : std::max(end - 1, 0);
+  else if (start == end)
+    end = event.ctrl ? WordRight(control.text, start) : std::min(end + 1, Size(control));
+  if (start != end) Replace(control, start, end, {});
+}
+
+}  // namespace
+
+namespace headless {
+
+void CursorToEnd(Control& control) {
+  PlaceCursor(control, {Size(control), Size(control), &control});
+}
+
+void EditText(Control& control, const KeyEvent& event) {
+  Cursor cursor = CursorOf(control);
+  int to = Destination(control, cursor, event);
+  if (to >= 0) {
+    MoveCursor(control, cursor, event, to);
+    return;
+  }
+  if (event.key == KeyBackspace || event.key == KeyDelete) {
+    Erase(control, cursor, event);
+    return;
+  }
+  bool newLine = event.key == KeyEnter && control.kind == ControlKind::TextArea;
+  if (event.ctrl || event.alt || (!newLine && event.character < 32)) return;
+  std::string typed(1, newLine ? '\n' : static_cast<char>(event.character));
+  Replace(control, std::min(cursor.anchor, cursor.at), std::max(cursor.anchor, cursor.at), typed);
+}
+
+}  // namespace headless
