@@ -177,7 +177,7 @@ void Engine::StepIdle() {
 // The sensor hears every engine; it hears one that knocks much better.
 void Engine::StepKnock() {
   const double over = state_ == State::Running ? advance_ - KnockLimit(rpm_, map_) : -1;
-  knockLevel_ = std::clamp(10 + 0.003 * rpm_ + 5 * Noise() + 25 * std::max(over, 0.0), 0.0, 255.0);
+  knockLevel_ = std::clamp(10 + 0.003 * rpm_ + 5 * Noise() + 40 * std::max(over, 0.0), 0.0, 255.0);
   const bool controls = cal_.Enabled(cell::KnockControl) && state_ == State::Running &&
                         rpm_ < cal_.Speed(cell::KnockInhibit) && !Fails(Sensor::Knock);
   const double firings = rpm_ / 60 * FiringsPerTurn * StepS;

@@ -117,7 +117,7 @@ void WriteTables(Writer& w) {
 }
 
 void WriteEnrichments(Writer& w) {
-  const double start[] = {.6, .2, .3, .1};
+  const double start[] = {.4, .1, .25, .05};
   w.Scaled(182, 85, start);
   w.Raw(186, 3 * 2.438);  // throttle rate, V/s
   w.Raw(187, 0.3 * 32.5);

@@ -40,10 +40,10 @@ double BestAdvance(double rpm, double mapKpa) {
 }
 
 double KnockLimit(double rpm, double mapKpa) {
-  return BestAdvance(rpm, mapKpa) + 6 - 0.25 * std::max(mapKpa - 70, 0.0);
+  return BestAdvance(rpm, mapKpa) + 4 - 0.25 * std::max(mapKpa - 70, 0.0);
 }
 
-bool Burns(double airFuel) { return airFuel > 7 && airFuel < 21; }
+bool Burns(double airFuel) { return airFuel > 4.5 && airFuel < 22; }
 
 double Torque(double rpm, double mapKpa, double advance, double airFuel) {
   const double lambda = airFuel / StoichiometricRatio;

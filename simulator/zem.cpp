@@ -48,7 +48,8 @@ void Zem::Receive(std::string_view bytes, std::int64_t nowUs) {
 
 std::optional<std::int64_t> Zem::SilenceTicks() const {
   if (expect_ == Expect::Command) return std::nullopt;
-  return lastHeardTicks_ + SilenceUs * TicksPerUs;
+  const std::int64_t pauseUs = expect_ == Expect::RecordRest ? QuietUs : SilenceUs;
+  return lastHeardTicks_ + pauseUs * TicksPerUs;
 }
 
 std::optional<std::int64_t> Zem::NextEventUs() const {
@@ -108,6 +109,8 @@ void Zem::Hear(std::uint8_t byte) {
       return HearMemoryCode(byte);
     case Expect::RecordText:
       return HearRecord(byte);
+    case Expect::RecordRest:
+      return;
   }
 }
 
@@ -175,12 +178,12 @@ void Zem::HearRecord(std::uint8_t byte) {
   }
 }
 
-// A record that was cut on its way is refused, so that the PC can send it again; half a command is
-// forgotten.
+// A record that was cut or damaged on its way is refused, so that the PC can send it again; half a
+// command is forgotten.
 void Zem::EndOnSilence() {
-  const bool cutRecord = expect_ == Expect::RecordText && mode_ != Mode::Running;
+  const bool record = expect_ == Expect::RecordText || expect_ == Expect::RecordRest;
   expect_ = Expect::Command;
-  if (cutRecord && Begins("S")) Refuse("S");
+  if (record && mode_ != Mode::Running && Begins("S")) Refuse("S");
 }
 
 // Notes a command that is complete; false when a fault keeps the ZEM from hearing it.
@@ -316,9 +319,13 @@ void Zem::OpenWriting() {
 
 void Zem::TakeRecord() {
   const Record record = reader_.TakeRecord();
+  if (!record.sound) {
+    expect_ = Expect::RecordRest;
+    return;
+  }
   const std::string command = {'S', record.type};
   if (!Begins(command)) return;
-  if (faults_.Refuses(command, recordsIn_ + 1) || !record.sound) return Refuse(command);
+  if (faults_.Refuses(command, recordsIn_ + 1)) return Refuse(command);
   if (record.type == '9') {
     // The end record may come twice: its answer can have been lost.
     if (mode_ == Mode::Running && !completed_) return Refuse(command);

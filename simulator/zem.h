@@ -75,10 +75,13 @@ class Zem {
 
   // A pause this long inside a command or record ends it.
   static constexpr std::int64_t SilenceUs = 200'000;
+  // A damaged record may have lied about its length: it is over when the line has been quiet so
+  // long.
+  static constexpr std::int64_t QuietUs = 10'000;
 
  private:
   enum class Mode { Running, Programming, Writing };
-  enum class Expect { Command, OffsetCode, OffsetValue, MemoryCode, RecordText };
+  enum class Expect { Command, OffsetCode, OffsetValue, MemoryCode, RecordText, RecordRest };
 
   void Process(std::int64_t ticks);
   void Hear(std::uint8_t byte);
