@@ -1,7 +1,6 @@
-// From the user's actions to the routines of a screen: focus, keys, text, clicks.
+// From the user's actions to the routines of a screen: keys, text, clicks.
 #include <algorithm>
 #include <cctype>
-#include <utility>
 
 #include "platform/calls.h"
 #include "platform/dialogs.h"
@@ -10,44 +9,7 @@
 
 namespace {
 
-// More moves in a row than any chain of fields that send the focus on to each other needs.
-constexpr int FocusMovesAtMost = 32;
-
-bool Alive(const Screen& screen) { return screen.loaded && !screen.closing; }
-
-template <typename Routine, typename... Arguments>
-void Call(Screen& screen, const Routine& routine, Arguments&&... arguments) {
-  if (!routine) return;
-  ScreenCall call(screen);
-  auto copy = routine;
-  Guarded([&] { copy(screen, arguments...); });
-}
-
-// One move: lost focus of the old control, got focus of the new one. A wish that comes up in
-// either is left in screen.focusWish.
-void MoveOnce(Screen& screen, Control& to) {
-  Control* from = screen.focus;
-  if (from) Call(screen, screen.on.lostFocus, *from);
-  if (!Alive(screen)) return;
-  if (screen.focusWish && screen.focusWish != &to) return;
-  screen.focusWish = nullptr;
-  screen.focus = &to;
-  Call(screen, screen.on.gotFocus, to);
-}
-
-void MoveFocus(Screen& screen, Control& target) {
-  ScreenCall call(screen);
-  screen.focusMoving = true;
-  screen.focusWish = &target;
-  for (int move = 0; screen.focusWish && Alive(screen) && move < FocusMovesAtMost; ++move) {
-    Control& to = *std::exchange(screen.focusWish, nullptr);
-    if (&to == screen.focus || !IsUsable(to)) continue;
-    MoveOnce(screen, to);
-  }
-  screen.focusMoving = false;
-  screen.focusWish = nullptr;
-  if (Alive(screen) && screen.focus) NativeFocus(*screen.focus);
-}
+bool Alive(const Screen& screen) { return Watch(screen).Alive(); }
 
 Control* AcceleratorTarget(Screen& screen, int letter) {
   for (Control& control : screen.controls) {
@@ -60,22 +22,47 @@ Control* AcceleratorTarget(Screen& screen, int letter) {
   return nullptr;
 }
 
+bool IsOperated(const Control& control) {
+  return control.kind == ControlKind::Button || control.kind == ControlKind::RadioButton ||
+         control.kind == ControlKind::CheckBox;
+}
+
 bool TakeAccelerator(Screen& screen, int letter) {
   Control* target = AcceleratorTarget(screen, letter);
   if (!target) return false;
-  bool clicks = target->kind == ControlKind::Button || target->kind == ControlKind::RadioButton ||
-                target->kind == ControlKind::CheckBox;
-  if (clicks)
+  if (IsOperated(*target))
     UserClick(*target);
   else
     SetFocus(*target);
   return true;
 }
 
-// Enter, Esc, backspace and characters reach the focused control as a key press. Result: true when
-// the toolkit must do nothing more.
-bool PressCharacter(Screen& screen, KeyEvent& event) {
+// What a key does by itself in a control that is operated, not edited, and Tab everywhere; the same
+// on every platform. Result: true when the toolkit must do nothing more.
+bool OperateByKey(Screen& screen, const KeyEvent& event) {
+  if (event.ctrl || event.alt) return false;
+  if (event.key == KeyTab) {
+    UserTab(screen, !event.shift);
+    return true;
+  }
   Control* control = screen.focus;
+  if (!control || !IsOperated(*control)) return false;
+  if (event.key == KeySpace || (event.key == KeyEnter && control->kind == ControlKind::Button)) {
+    UserClick(*control);
+    return true;
+  }
+  if (event.key < KeyLeft || event.key > KeyDown) return false;
+  bool forward = event.key == KeyRight || event.key == KeyDown;
+  if (control->kind != ControlKind::RadioButton)
+    UserTab(screen, forward);
+  else if (Control* next = NextInRadioGroup(*control, forward))
+    UserClick(*next);
+  return true;
+}
+
+// Esc clicks the cancel button where there is one. Enter, Esc, backspace and characters reach the
+// focused control as a key press. Result: true when nobody must see the key any more.
+bool PressCharacter(Screen& screen, KeyEvent& event) {
   if (event.key == KeyEscape && !screen.cancelButton.empty()) {
     Control* cancel = Find(screen, screen.cancelButton);
     if (cancel && IsUsable(*cancel)) {
@@ -83,54 +70,41 @@ bool PressCharacter(Screen& screen, KeyEvent& event) {
       return true;
     }
   }
-  if (!control) return event.key == KeyEscape || event.key == KeyEnter;
-  KeyPress press{event.character};
-  Call(screen, screen.on.keyPress, *control, press);
-  event.character = press.character;
-  if (!Alive(screen) || press.character == 0) return true;
-  if (event.key == KeyEscape) return true;
-  if (event.key != KeyEnter) return false;
-  if (control->kind == ControlKind::Button) CallClick(*control);
-  return control->kind != ControlKind::TextArea;
+  if (Control* control = screen.focus) {
+    Watch watch(screen);
+    KeyPress press{event.character};
+    CallScreen(screen, screen.on.keyPress, *control, press);
+    event.character = press.character;
+    if (!watch.Alive() || press.character == 0 || screen.focus != control) return true;
+  }
+  return event.key == KeyEscape;
+}
+
+bool IsCharacter(const KeyEvent& event) {
+  return event.character != 0 || event.key == KeyEnter || event.key == KeyEscape ||
+         event.key == KeyBackspace;
+}
+
+// The frame's keys: those of no screen.
+bool KeyOfFrame(KeyEvent& event) {
+  Frame* frame = TheFrame();
+  if (!frame || !frame->enabled) return true;
+  if (frame->keyDown) Guarded([&] { frame->keyDown(event); });
+  return event.handled;
 }
 
 }  // namespace
-
-// ---- focus ------------------------------------------------------------------------------------
-
-void SetFocus(Control& control) {
-  Screen& screen = *control.owner;
-  if (!Alive(screen) || !TakesFocus(control) || !IsUsable(control)) return;
-  if (screen.focusMoving) {
-    screen.focusWish = &control;
-    return;
-  }
-  if (screen.focus == &control) {
-    NativeFocus(control);
-    return;
-  }
-  MoveFocus(screen, control);
-}
-
-Control* FocusedControl(Screen& screen) { return screen.focus; }
-
-void UserFocus(Control& control) {
-  Screen& screen = *control.owner;
-  if (!Alive(screen)) return;
-  if (screen.focusMoving || screen.focus == &control || !TakesFocus(control)) return;
-  MoveFocus(screen, control);
-}
 
 // ---- clicks and text --------------------------------------------------------------------------
 
 void CallChange(Control& control) {
   Screen& screen = *control.owner;
-  if (screen.loaded && !screen.closing) Call(screen, screen.on.change, control);
+  if (screen.loaded && !screen.closing) CallScreen(screen, screen.on.change, control);
 }
 
 void CallClick(Control& control) {
   Screen& screen = *control.owner;
-  if (Alive(screen)) Call(screen, screen.on.click, control);
+  if (Alive(screen)) CallScreen(screen, screen.on.click, control);
 }
 
 void ClickControl(Control& control) { UserClick(control); }
@@ -140,9 +114,10 @@ void UserClick(Control& control) {
   Screen& screen = *control.owner;
   if (!Alive(screen) || !IsUsable(control)) return;
   ScreenCall call(screen);
+  Watch watch(screen);
   if (TakesFocus(control)) {
     UserFocus(control);
-    if (!Alive(screen) || screen.focus != &control) return;
+    if (!watch.Alive() || screen.focus != &control) return;
   }
   if (control.kind == ControlKind::RadioButton) SetChecked(control, true);
   if (control.kind == ControlKind::CheckBox) SetChecked(control, !control.checked);
@@ -153,8 +128,9 @@ void UserListChoice(Control& control, int index) {
   Screen& screen = *control.owner;
   if (!Alive(screen) || !IsUsable(control)) return;
   ScreenCall call(screen);
+  Watch watch(screen);
   UserFocus(control);
-  if (!Alive(screen)) return;
+  if (!watch.Alive()) return;
   if (screen.focus != &control) {
     NativeControlChanged(control, ChangedListIndex);
     return;
@@ -167,7 +143,7 @@ void UserDoubleClick(Control& control, int index) {
   Screen& screen = *control.owner;
   if (!Alive(screen) || !IsUsable(control)) return;
   control.listIndex = index;
-  Call(screen, screen.on.doubleClick, control);
+  CallScreen(screen, screen.on.doubleClick, control);
 }
 
 void UserText(Control& control, const std::string& text, int selStart, int selLength) {
@@ -186,7 +162,7 @@ void UserSelection(Control& control, int selStart, int selLength) {
 
 void UserMouse(Control& control, const MouseEvent& event) {
   Screen& screen = *control.owner;
-  if (Alive(screen)) Call(screen, screen.on.mouse, control, event);
+  if (Alive(screen)) CallScreen(screen, screen.on.mouse, control, event);
 }
 
 void UserCanvasSize(Control& control, int width, int height) {
@@ -194,7 +170,7 @@ void UserCanvasSize(Control& control, int width, int height) {
   if (!Alive(screen) || (control.canvasWidth == width && control.canvasHeight == height)) return;
   control.canvasWidth = width;
   control.canvasHeight = height;
-  Call(screen, screen.on.resized, control);
+  CallScreen(screen, screen.on.resized, control);
 }
 
 void UserActivated(Screen& screen) { NoteActive(screen); }
@@ -203,7 +179,7 @@ void UserCloseBox(Screen& screen) {
   if (!Alive(screen)) return;
   ScreenCall call(screen);
   if (screen.on.closeBox) {
-    Call(screen, screen.on.closeBox);
+    CallScreen(screen, screen.on.closeBox);
     return;
   }
   Control* cancel = screen.cancelButton.empty() ? nullptr : Find(screen, screen.cancelButton);
@@ -215,39 +191,53 @@ void UserCloseBox(Screen& screen) {
 
 // ---- keys -------------------------------------------------------------------------------------
 
+bool UserReaches(const Screen& screen) {
+  if (!Alive(screen) || !screen.visible || !screen.enabled) return false;
+  const Screen* dialog = OpenDialogScreen();
+  if (dialog && dialog != &screen) return false;
+  const Frame* frame = TheFrame();
+  bool inside =
+      screen.placement == ScreenPlacement::Work || screen.placement == ScreenPlacement::Child;
+  return !inside || !frame || frame->enabled;
+}
+
+void UserTab(Screen& screen, bool forward) {
+  Control* next = NextInTabOrder(screen, screen.focus, forward);
+  if (next) UserFocus(*next);
+}
+
 bool ScreenTakesAccelerator(Screen& screen, int letter) {
   return Alive(screen) && AcceleratorTarget(screen, letter) != nullptr;
 }
 
 bool UserKeyDown(Screen* screen, KeyEvent& event) {
-  Frame* frame = TheFrame();
-  bool ofTheFrame = !screen || screen->placement == ScreenPlacement::Work;
-  if (frame && !frame->enabled && ofTheFrame) return true;
-  if (!screen) {
-    if (frame && frame->keyDown) Guarded([&] { frame->keyDown(event); });
-    return event.handled;
-  }
-  if (!Alive(*screen) || !screen->enabled) return true;
+  SettleLostFocus();
+  if (!screen) return KeyOfFrame(event);
+  if (!UserReaches(*screen)) return true;
   ScreenCall call(*screen);
+  Watch watch(*screen);
+  if (event.key == KeyTab || event.key == KeyDelete) event.character = 0;
   if (event.alt && !event.ctrl && TakeAccelerator(*screen, event.key)) return true;
-  Call(*screen, screen->on.keyDown, event);
-  if (event.handled || !Alive(*screen)) return true;
-  if (Control* control = screen->focus) Call(*screen, screen->on.controlKeyDown, *control, event);
-  if (event.handled || !Alive(*screen)) return true;
+  CallScreen(*screen, screen->on.keyDown, event);
+  if (event.handled || !watch.Alive()) return true;
+  if (Control* control = screen->focus)
+    CallScreen(*screen, screen->on.controlKeyDown, *control, event);
+  if (event.handled || !watch.Alive()) return true;
   if (event.ctrl && event.key >= 'A' && event.key <= 'Z') {
     Control* control = screen->focus;
     return !(control && control->kind == ControlKind::TextArea);
   }
-  if (event.alt || event.ctrl) return false;
-  bool character = event.character != 0 || event.key == KeyEnter || event.key == KeyEscape ||
-                   event.key == KeyBackspace;
-  if (!character) return false;
-  if (event.character == 0) event.character = event.key;
-  return PressCharacter(*screen, event);
+  if (!event.alt && !event.ctrl && IsCharacter(event)) {
+    if (event.character == 0) event.character = event.key;
+    if (PressCharacter(*screen, event)) return true;
+  }
+  if (OperateByKey(*screen, event)) return true;
+  Control* control = screen->focus;
+  return event.key == KeyEnter && !(control && control->kind == ControlKind::TextArea);
 }
 
 void UserKeyUp(Screen* screen, KeyEvent& event) {
-  if (screen && Alive(*screen)) Call(*screen, screen->on.keyUp, event);
+  if (screen && UserReaches(*screen)) CallScreen(*screen, screen->on.keyUp, event);
 }
 
 void Guarded(const std::function<void()>& routine) {

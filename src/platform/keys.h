@@ -5,7 +5,7 @@
 #include <string_view>
 
 // Codes of the keys that are no characters stand above 255; letters are 'A' to 'Z', digits '0' to
-// '9', others their unshifted ASCII character.
+// '9', others the ASCII character that they type.
 enum Key : int {
   KeyNone = 0,
   KeyBackspace = 8,
@@ -46,12 +46,12 @@ struct KeyEvent {
   bool alt = false;
   bool shift = false;
   bool keypad = false;
-  int character = 0;     // what a text would get, 0 when none
+  int character = 0;     // what a text would get (Unicode), 0 when none, and with Ctrl or Alt
   bool handled = false;  // set by a routine: nobody else sees the key
 };
 
 struct KeyPress {
-  int character = 0;  // Latin-1; a routine may set it to 0 to drop it
+  int character = 0;  // Unicode; a routine may set it to 0 to drop it
 };
 
 struct MouseEvent {

@@ -23,7 +23,8 @@ void RunSoon(std::function<void()> routine);
 // How deep the stack is in yields: 0 at the queue.
 int YieldDepth();
 
-// Calls the routine every so many milliseconds from the queue or a yield, until stopped.
+// Calls the routine every so many milliseconds from the queue or a yield, until stopped. A tick
+// that comes while the routine still runs (it yields, or its box is open) is left out.
 int StartTimer(int milliseconds, std::function<void()> routine);
 void StopTimer(int timer);
 

@@ -21,7 +21,9 @@ enum Changed : unsigned {
 };
 
 void NativeCreateScreen(Screen& screen);
-void NativeShowScreen(Screen& screen);  // to the front of its placement
+// To the front of its placement. The first time it shows the record as it is by now, and every
+// canvas is told its size (UserCanvasSize) before this returns.
+void NativeShowScreen(Screen& screen);
 void NativeHideScreen(Screen& screen);
 void NativeDestroyScreen(Screen& screen);
 void NativeScreenChanged(Screen& screen);  // title, back colour, enabled
@@ -29,6 +31,7 @@ void NativeScreenChanged(Screen& screen);  // title, back colour, enabled
 void NativeControlChanged(Control& control, unsigned changes);
 // Moves the toolkit's focus; told only when the last wish is settled.
 void NativeFocus(Control& control);
+// Gives the keys to the screen, and to its `focus` when it has one.
 void NativeActivate(Screen& screen);
 
 void NativeShowFrame(Frame& frame);
@@ -39,16 +42,29 @@ void NativePopUpMenu(Frame& frame, MenuItem& item);
 
 // ---- called by the implementation ---------------------------------------------------------------
 
-// A key of the user in a screen (or in none: the frame's). Runs accelerators (Alt and a letter),
-// the screen's key-down, the control's key-down, the cancel button and, for a character, the
-// key-press. Result: true when the toolkit must do nothing more with it. `event.character` may have
-// changed.
+// Whether keys and mouse of the user get through to the screen: it is shown and enabled, no dialog
+// stands in front of it, and it is not inside a disabled frame. The implementation asks before it
+// tells of mouse and close box; the keys are asked for here.
+bool UserReaches(const Screen& screen);
+// A key of the user: of OpenDialogScreen() when there is one, else of ActiveScreen(), else of none
+// (the frame's). Runs accelerators (Alt and a letter), the screen's key-down, the control's
+// key-down, the cancel button and, for a character, the key-press; then what the key does by itself
+// in buttons, radio groups and check boxes (Space, Enter, arrows), and Tab. Result: true when the
+// toolkit must do nothing more with it; what is left to it are the keys of text fields, lists and
+// trees. `event.character` may have changed.
 bool UserKeyDown(Screen* screen, KeyEvent& event);
 void UserKeyUp(Screen* screen, KeyEvent& event);
 // Whether Alt and this letter mean something on the screen (before the menu bar gets it).
 bool ScreenTakesAccelerator(Screen& screen, int letter);
-// The user moved the focus by Tab or mouse.
+// The user moved the focus by the mouse.
 void UserFocus(Control& control);
+// The user moved the focus by Tab: in the order of the controls, over the ends. A radio group is
+// one stop. UserKeyDown does it; for a toolkit that moves the focus on its own.
+void UserTab(Screen& screen, bool forward);
+Control* NextInTabOrder(Screen& screen, const Control* from, bool forward);
+// The usable radio button of the same container that an arrow key leads to, over the ends; null
+// when there is no other.
+Control* NextInRadioGroup(Control& button, bool forward);
 // The user edited a field or moved its selection.
 void UserText(Control& control, const std::string& text, int selStart, int selLength);
 void UserSelection(Control& control, int selStart, int selLength);
@@ -76,7 +92,8 @@ struct YieldScope {
 };
 // Wakes the event loop: a routine waits in RunSoon or RunFromQueue.
 void NativeWake();
-// Routines of RunSoon; called in every pass. Result: whether there was one.
+// Routines of RunSoon, and the focus of controls that were disabled or hidden; called in every pass
+// before the collected changes are carried out. Result: whether there was anything.
 bool RunSoonRoutines();
 // Routines of RunFromQueue, run by the implementation's RunProgram when YieldDepth() is 0. Result:
 // whether there was one.

@@ -2,6 +2,7 @@
 #include <deque>
 #include <utility>
 
+#include "platform/calls.h"
 #include "platform/loop.h"
 #include "platform/native.h"
 #include "platform/screen.h"
@@ -40,7 +41,10 @@ int YieldDepth() { return yieldDepth; }
 YieldScope::YieldScope() { ++yieldDepth; }
 YieldScope::~YieldScope() { --yieldDepth; }
 
-bool RunSoonRoutines() { return !soon.empty() && RunList(soon); }
+bool RunSoonRoutines() {
+  bool settled = SettleLostFocus();
+  return (!soon.empty() && RunList(soon)) || settled;
+}
 
 bool RunQueuedRoutines() {
   if (yieldDepth > 0 || fromQueue.empty()) return false;

@@ -20,6 +20,13 @@ void Forget(std::vector<Screen*>& list, Screen& screen) {
   list.erase(std::remove(list.begin(), list.end(), &screen), list.end());
 }
 
+void TakeAway(Screen& screen) {
+  screen.visible = false;
+  Forget(shownOrder, screen);
+  Forget(activeOrder, screen);
+  NativeHideScreen(screen);
+}
+
 void Release(Screen& screen) {
   NativeDestroyScreen(screen);
   screen.native = nullptr;
@@ -31,21 +38,6 @@ void Release(Screen& screen) {
   screen.loaded = false;
   screen.closing = false;
   if (screen.onStack == 0) screen.former.clear();
-}
-
-Control* FirstField(Screen& screen) {
-  if (!screen.defaultFocus.empty()) {
-    Control* wished = Find(screen, screen.defaultFocus);
-    if (wished && IsUsable(*wished)) return wished;
-  }
-  for (Control& control : screen.controls)
-    if (TakesFocus(control) && control.tabStop && IsUsable(control)) return &control;
-  return nullptr;
-}
-
-void Settle(Screen& screen) {
-  if (screen.visible && !screen.closing && !screen.focus && !screen.focusMoving)
-    if (Control* first = FirstField(screen)) SetFocus(*first);
 }
 
 bool Around(const Control& control, bool Control::*flag) {
@@ -126,8 +118,12 @@ bool IsUsable(const Control& control) {
 
 void LoadScreen(Screen& screen) {
   if (screen.loaded && !screen.closing) return;
-  if (screen.closing) Release(screen);
+  if (screen.closing) {
+    if (screen.visible) TakeAway(screen);
+    Release(screen);
+  }
   screen.loaded = true;
+  ++screen.life;
   ScreenCall call(screen);
   if (screen.build) screen.build(screen);
   for (Control& control : screen.controls) {
@@ -161,7 +157,7 @@ void ShowScreen(Screen& screen) {
   Guarded([&] {
     if (screen.on.shown) screen.on.shown(screen);
   });
-  Settle(screen);
+  SettleFocus(screen);
 }
 
 namespace {
@@ -175,15 +171,8 @@ void BringBack() {
     Guarded([&] {
       if (next->on.shown) next->on.shown(*next);
     });
-    Settle(*next);
+    SettleFocus(*next);
   }
-}
-
-void TakeAway(Screen& screen) {
-  screen.visible = false;
-  Forget(shownOrder, screen);
-  Forget(activeOrder, screen);
-  NativeHideScreen(screen);
 }
 
 }  // namespace
@@ -199,10 +188,11 @@ void UnloadScreen(Screen& screen) {
   if (!screen.loaded || screen.closing) return;
   ScreenCall call(screen);
   screen.closing = true;
+  Forget(loadedScreens, screen);
   Guarded([&] {
     if (screen.on.unload) screen.on.unload(screen);
   });
-  Forget(loadedScreens, screen);
+  if (!screen.closing) return;  // it has been loaded anew
   bool wasActive = ActiveScreen() == &screen;
   if (screen.visible) TakeAway(screen);
   if (wasActive) BringBack();
@@ -229,10 +219,10 @@ Screen* OpenDialogScreen() {
 const std::vector<Screen*>& LoadedScreens() { return loadedScreens; }
 
 void ActivateScreen(Screen& screen) {
-  if (!screen.visible) return;
+  if (!screen.visible || screen.closing) return;
   NoteActive(screen);
   NativeActivate(screen);
-  Settle(screen);
+  SettleFocus(screen);
 }
 
 void NoteActive(Screen& screen) {
@@ -280,10 +270,10 @@ void SetForeColour(Control& control, Colour colour) {
   Change(control, &Control::foreColour, colour, ChangedColours);
 }
 void SetEnabled(Control& control, bool enabled) {
-  Change(control, &Control::enabled, enabled, ChangedState);
+  if (Change(control, &Control::enabled, enabled, ChangedState)) NoteUsability();
 }
 void SetVisible(Control& control, bool visible) {
-  Change(control, &Control::visible, visible, ChangedState);
+  if (Change(control, &Control::visible, visible, ChangedState)) NoteUsability();
 }
 void SetReadOnly(Control& control, bool readOnly) {
   Change(control, &Control::readOnly, readOnly, ChangedState);

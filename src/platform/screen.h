@@ -1,6 +1,7 @@
 // Screens and controls as records. A screen fills in its record and gets its events; the platform
 // draws the record. Every change of a shown control goes through the routines below, so that the
-// picture follows. Standard C++; implemented once, on top of platform/native.h.
+// picture follows; until its first showing a screen may also fill in the record itself. All texts
+// are UTF-8. Standard C++; implemented once, on top of platform/native.h.
 #pragma once
 
 #include <deque>
@@ -22,7 +23,7 @@ enum class ControlKind {
   Button,        // caption, click
   RadioButton,   // caption, checked; one of its container is checked
   CheckBox,      // caption, checked
-  DropDownList,  // items, listIndex; not editable
+  DropDownList,  // items, listIndex; not editable; the wheel of the mouse changes nothing
   ListBox,       // items, listIndex
   TreeView,      // nodes, opens fully expanded
   Canvas,        // drawing
@@ -90,7 +91,7 @@ struct Control {
 
   // Kept by the platform layer.
   Screen* owner = nullptr;
-  int selStart = 0;
+  int selStart = 0;  // selection of a field, in bytes of its text
   int selLength = 0;
   Drawing drawing;
   int canvasWidth = 0;  // size as shown, in pixels
@@ -124,7 +125,8 @@ struct ScreenEvents {
   std::function<void(Screen&, Control&)> click;   // button, radio, check box, list item chosen by
                                                   // the user, click in a field, label or canvas
   std::function<void(Screen&, Control&)> doubleClick;  // list, tree (listIndex is the node)
-  std::function<void(Screen&, Control&)> resized;      // canvas has a (new) size: draw it anew
+  std::function<void(Screen&, Control&)> resized;      // canvas has a (new) size: draw it anew;
+                                                       // the first time before `shown`
   std::function<void(Screen&, Control&, const MouseEvent&)> mouse;  // canvas
 };
 
@@ -145,6 +147,7 @@ struct Screen {
   // Kept by the platform layer.
   bool loaded = false;
   bool visible = false;
+  unsigned life = 0;     // counts the loads
   bool closing = false;  // unloaded while one of its routines is still on the stack
   int onStack = 0;       // routines of this screen that are running
   Control* focus = nullptr;
@@ -166,8 +169,9 @@ void LoadScreen(Screen& screen);
 void ShowScreen(Screen& screen);
 // Out of sight but still loaded.
 void HideScreen(Screen& screen);
-// Runs unload, hides it and releases it; if one of its routines is on the stack it is only marked,
-// and released when the stack has unwound. The screen below comes to the front again.
+// Runs unload (it is in LoadedScreens no more), hides it and releases it; if one of its routines is
+// on the stack it is only marked, and released when the stack has unwound. The screen below comes
+// to the front again.
 void UnloadScreen(Screen& screen);
 void UnloadAllScreens();  // last loaded first
 // The screen that has the keys, or null. The frame has them when there is none.
@@ -199,7 +203,12 @@ void SetScreenBackColour(Screen& screen, Colour colour);
 
 // Gives the focus to a control: lost focus of the old one, got focus of this one. Normal inside a
 // focus event: the new wish is carried out after the event, never inside it. A control that already
-// has the focus, is hidden or disabled gets no event.
+// has the focus, is hidden or disabled gets no event. A lost-focus routine that wishes the focus
+// back gets a got-focus event; the control that should have had it gets none.
+// Getting the focus leaves cursor and selection of a field as they are, by whatever way it came; a
+// click places the cursor, but the click that brings the focus leaves a selection that the
+// got-focus routine has made.
+// A focused control that is disabled or hidden loses the focus to the next one with the next pass.
 void SetFocus(Control& control);
 Control* FocusedControl(Screen& screen);
 bool TakesFocus(const Control& control);  // its kind can have the focus

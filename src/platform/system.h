@@ -27,8 +27,9 @@ void Beep();
 // PrinterBegin lets the user choose a printer; false when the user left without.
 bool PrinterBegin(const std::string& documentName);
 void PrinterFont(const std::string& name, double pointSize, bool bold = false);
-void PrintAt(int column, const std::string& text);  // on the current line
-void PrintLine(const std::string& text = {});       // the rest of the line and its end
+// On the current line; a column that the line has passed already begins a new line.
+void PrintAt(int column, const std::string& text);
+void PrintLine(const std::string& text = {});  // the rest of the line and its end
 void PrinterNewPage();
 int PrinterLine();          // lines printed on this page
 int PrinterLinesPerPage();  // at the current font

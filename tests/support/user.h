@@ -1,5 +1,7 @@
 // The user at the keyboard and the mouse, for tests that run on both platforms: headless, and Qt
-// with real key and mouse events. Implemented in support/headless and support/qt.
+// with real key and mouse events. Implemented in support/headless and support/qt. What the user
+// does is done when the routine returns; what it asked of the queue (RunSoon, RunFromQueue, the
+// focus of a control that was disabled) comes with RunPending: a test is the queue.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +15,7 @@
 #include "platform/screen.h"
 
 // "Enter", "Esc", "Tab", "Up", "F5", "Ctrl+S", "Alt+O", "Shift+Tab", "A", "7", ".", "-",
-// "Backspace", "Plus", "Minus", "KeypadPlus", "Ctrl" alone.
+// "Backspace", "Plus", "Minus", "KeypadPlus", "Ctrl" alone; see keynames.h.
 void PressKey(std::string_view key);
 void TypeText(std::string_view text);  // one key after the other
 void ClickOn(Screen& screen, std::string_view control);
@@ -42,13 +44,16 @@ bool AnyBoxShown();
 // The name of the menu popped up last, "" when none since it was asked.
 std::string TakePopUpMenu();
 
-// What stands on the screen as the platform shows it (not only in the record).
+// What stands on the screen as the platform shows it (not only in the record), changes that are
+// still collected included. A field's text, else the chosen item, else the caption without "&".
 std::string ShownText(Screen& screen, std::string_view control);
 bool ShownVisible(Screen& screen, std::string_view control);
 bool ShownEnabled(Screen& screen, std::string_view control);
 std::string ShownFocus();  // name of the control that has the keys
+int ShownFocusMoves();     // how often that has changed since the start of the test
 
-// Starts the platform anew for each test; at the end no box and no answer may be left over.
+// Starts the platform anew for each test; at the end no box and no answer may be left over. Screens
+// are unloaded at the end: let them be members of the fixture, or longer lived.
 class PlatformTest : public ::testing::Test {
  protected:
   void SetUp() override;

@@ -16,12 +16,16 @@ void ResetPorts();
 void ResetSystem();
 void ResetBoxes();
 void ResetScreens();
+void ResetText();
 
 // One turn of the queue at the present time: what is due, then RunSoon. Result: whether anything
 // ran. Events that come up meanwhile wait for the next turn.
 bool RunTurn();
 // Tells ports whose device was unplugged. Result: whether one was told.
 bool TellGonePorts();
+
+// A message, an input box or a file dialog stands in front of everything.
+bool BoxIsOpen();
 
 // The full path of a name: from the current folder, without "." and "..".
 std::string FullPath(const std::string& path);

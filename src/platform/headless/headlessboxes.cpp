@@ -17,11 +17,20 @@ std::deque<std::optional<std::string>> inputs;
 std::deque<std::optional<std::string>> files;
 std::deque<std::function<void()>> hooks;
 std::string lastFolder;
+int openBoxes = 0;
+
+struct BoxScope {
+  BoxScope() { ++openBoxes; }
+  ~BoxScope() { --openBoxes; }
+  BoxScope(const BoxScope&) = delete;
+  BoxScope& operator=(const BoxScope&) = delete;
+  YieldScope yields;
+};
 
 // The queue runs while the box is open.
 void Show(HeadlessBox box) {
   boxes.push_back(std::move(box));
-  YieldScope scope;
+  BoxScope scope;
   if (!hooks.empty()) {
     auto hook = std::move(hooks.front());
     hooks.pop_front();
@@ -85,6 +94,8 @@ void ResetBoxes() {
   hooks.clear();
   lastFolder.clear();
 }
+
+bool BoxIsOpen() { return openBoxes > 0; }
 
 }  // namespace headless
 

@@ -139,6 +139,7 @@ void NativePopUpMenu(Frame&, MenuItem& item) { lastPopUp = item.name; }
 void ResetHeadless() {
   ResetPlatform();
   headless::ResetScreens();
+  headless::ResetText();
   headless::ResetBoxes();
   headless::ResetSystem();
   headless::ResetPorts();
@@ -165,7 +166,9 @@ std::string SeenText(const Control& control) {
 }
 
 bool SeenVisible(const Control& control) {
-  return control.owner->visible && SeenThrough(control, &ShownControl::visible);
+  const Screen& screen = *control.owner;
+  bool covered = screen.placement == ScreenPlacement::Work && TopWorkScreen() != &screen;
+  return screen.visible && !covered && SeenThrough(control, &ShownControl::visible);
 }
 bool SeenEnabled(const Control& control) { return SeenThrough(control, &ShownControl::enabled); }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <string>
 
 #include "platform/headless/headless.h"
 #include "platform/native.h"
@@ -16,6 +17,7 @@ struct Cursor {
 };
 
 Cursor last;
+std::string clipboard;
 
 int Size(const Control& control) { return static_cast<int>(control.text.size()); }
 
@@ -42,6 +44,30 @@ void Replace(Control& control, int start, int end, const std::string& by) {
   last = {at, at, &control};
   headless::Typed(control, text);
   UserText(control, text, at, 0);
+}
+
+// Texts are UTF-8: the cursor never stands inside a character.
+bool InsideCharacter(const std::string& text, int at) {
+  return at > 0 && at < static_cast<int>(text.size()) &&
+         (static_cast<unsigned char>(text[static_cast<std::size_t>(at)]) & 0xC0) == 0x80;
+}
+
+int OneLeft(const std::string& text, int at) {
+  for (--at; InsideCharacter(text, at);) --at;
+  return std::max(at, 0);
+}
+
+int OneRight(const std::string& text, int at) {
+  for (++at; InsideCharacter(text, at);) ++at;
+  return std::min(at, static_cast<int>(text.size()));
+}
+
+std::string Utf8(int character) {
+  auto byte = [](int value) { return static_cast<char>(value); };
+  if (character < 0x80) return {byte(character)};
+  if (character < 0x800) return {byte(0xC0 | character >> 6), byte(0x80 | (character & 0x3F))};
+  return {byte(0xE0 | (character >> 12 & 0x0F)), byte(0x80 | (character >> 6 & 0x3F)),
+          byte(0x80 | (character & 0x3F))};
 }
 
 int LineStart(const std::string& text, int at) {
@@ -91,9 +117,9 @@ int Destination(const Control& control, const Cursor& cursor, const KeyEvent& ev
   bool many = control.kind == ControlKind::TextArea;
   switch (event.key) {
     case KeyLeft:
-      return event.ctrl ? WordLeft(text, cursor.at) : std::max(cursor.at - 1, 0);
+      return event.ctrl ? WordLeft(text, cursor.at) : OneLeft(text, cursor.at);
     case KeyRight:
-      return event.ctrl ? WordRight(text, cursor.at) : std::min(cursor.at + 1, Size(control));
+      return event.ctrl ? WordRight(text, cursor.at) : OneRight(text, cursor.at);
     case KeyHome:
       return many && !event.ctrl ? LineStart(text, cursor.at) : 0;
     case KeyEnd:
@@ -119,18 +145,37 @@ void MoveCursor(Control& control, Cursor cursor, const KeyEvent& event, int to) 
   PlaceCursor(control, cursor);
 }
 
+std::string Selected(const Control& control) {
+  return control.text.substr(static_cast<std::size_t>(control.selStart),
+                             static_cast<std::size_t>(control.selLength));
+}
+
+// Ctrl and a letter reach only a text area, and only when no routine took them.
+void UseClipboard(Control& control, const Cursor& cursor, int letter) {
+  int start = std::min(cursor.anchor, cursor.at), end = std::max(cursor.anchor, cursor.at);
+  if (letter == 'A') PlaceCursor(control, {0, Size(control), &control});
+  if ((letter == 'C' || letter == 'X') && start != end) clipboard = Selected(control);
+  if (letter == 'X' && start != end) Replace(control, start, end, {});
+  if (letter == 'V' && !clipboard.empty()) Replace(control, start, end, clipboard);
+}
+
 void Erase(Control& control, const Cursor& cursor, const KeyEvent& event) {
   int start = std::min(cursor.anchor, cursor.at), end = std::max(cursor.anchor, cursor.at);
   if (start == end && event.key == KeyBackspace)
-    start = event.ctrl ? WordLeft(control.text, end) : std::max(end - 1, 0);
+    start = event.ctrl ? WordLeft(control.text, end) : OneLeft(control.text, end);
   else if (start == end)
-    end = event.ctrl ? WordRight(control.text, start) : std::min(end + 1, Size(control));
+    end = event.ctrl ? WordRight(control.text, start) : OneRight(control.text, start);
   if (start != end) Replace(control, start, end, {});
 }
 
 }  // namespace
 
 namespace headless {
+
+void ResetText() {
+  last = {};
+  clipboard.clear();
+}
 
 void CursorToEnd(Control& control) {
   PlaceCursor(control, {Size(control), Size(control), &control});
@@ -147,10 +192,12 @@ void EditText(Control& control, const KeyEvent& event) {
     Erase(control, cursor, event);
     return;
   }
+  if (event.ctrl && !event.alt && control.kind == ControlKind::TextArea)
+    UseClipboard(control, cursor, event.key);
   bool newLine = event.key == KeyEnter && control.kind == ControlKind::TextArea;
   if (event.ctrl || event.alt || (!newLine && event.character < 32)) return;
-  std::string typed(1, newLine ? '\n' : static_cast<char>(event.character));
-  Replace(control, std::min(cursor.anchor, cursor.at), std::max(cursor.anchor, cursor.at), typed);
+  Replace(control, std::min(cursor.anchor, cursor.at), std::max(cursor.anchor, cursor.at),
+          newLine ? "\n" : Utf8(event.character));
 }
 
 }  // namespace headless

@@ -1,8 +1,10 @@
 // The user: keys, clicks, choices, and what the controls do with a key that no routine took.
 #include <algorithm>
 #include <cctype>
+#include <string>
 #include <vector>
 
+#include "platform/calls.h"
 #include "platform/headless/headless.h"
 #include "platform/headless/script.h"
 #include "platform/native.h"
@@ -13,62 +15,21 @@ Screen* KeyScreen() { return OpenDialogScreen() ? OpenDialogScreen() : ActiveScr
 
 bool FrameReachable() {
   Frame* frame = TheFrame();
-  return !OpenDialogScreen() && (!frame || frame->enabled);
+  return !headless::BoxIsOpen() && !OpenDialogScreen() && (!frame || frame->enabled);
 }
 
-// Whether the mouse gets through to the screen: a dialog has all attention, and a disabled frame
-// takes what stands inside it along.
+// Whether the mouse gets through to the screen.
 bool Reachable(Screen& screen) {
-  if (!screen.visible || screen.closing || !screen.enabled) return false;
-  if (Screen* dialog = OpenDialogScreen()) return dialog == &screen;
-  bool inside =
-      screen.placement == ScreenPlacement::Work || screen.placement == ScreenPlacement::Child;
-  if (inside && !FrameReachable()) return false;
+  if (headless::BoxIsOpen() || !UserReaches(screen)) return false;
   return screen.placement != ScreenPlacement::Work || TopWorkScreen() == &screen;
 }
 
 bool Touch(Control& control) {
   Screen& screen = *control.owner;
+  SettleLostFocus();
   if (!Reachable(screen) || !IsUsable(control)) return false;
   if (ActiveScreen() != &screen) UserActivated(screen);
   return true;
-}
-
-// ---- moving the focus ---------------------------------------------------------------------------
-
-bool InTabOrder(const Control& control) {
-  return TakesFocus(control) && control.tabStop && IsUsable(control);
-}
-
-void MoveFocus(Screen& screen, bool forward) {
-  std::vector<Control*> order;
-  std::size_t from = 0;
-  bool found = false;
-  for (Control& control : screen.controls) {
-    if (!InTabOrder(control) && &control != screen.focus) continue;
-    if (&control == screen.focus) {
-      from = order.size();
-      found = true;
-    }
-    order.push_back(&control);
-  }
-  if (order.empty()) return;
-  std::size_t count = order.size();
-  std::size_t to = !found ? (forward ? 0 : count - 1) : (from + (forward ? 1 : count - 1)) % count;
-  if (order[to] != screen.focus) UserFocus(*order[to]);
-}
-
-void MoveInRadioGroup(Control& control, bool forward) {
-  std::vector<Control*> group;
-  std::size_t from = 0;
-  for (Control& other : control.owner->controls) {
-    if (other.kind != ControlKind::RadioButton || other.place.in != control.place.in) continue;
-    if (!IsUsable(other)) continue;
-    if (&other == &control) from = group.size();
-    group.push_back(&other);
-  }
-  std::size_t count = group.size();
-  if (count > 1) UserClick(*group[(from + (forward ? 1 : count - 1)) % count]);
 }
 
 // ---- lists --------------------------------------------------------------------------------------
@@ -127,23 +88,11 @@ void KeyInList(Control& control, const KeyEvent& event) {
 
 // ---- what a key does by itself ------------------------------------------------------------------
 
-bool IsArrow(int key) { return key >= KeyLeft && key <= KeyDown; }
-
 void KeyInControl(Control& control, const KeyEvent& event) {
-  bool forward = event.key == KeyRight || event.key == KeyDown;
   switch (control.kind) {
     case ControlKind::TextField:
     case ControlKind::TextArea:
       headless::EditText(control, event);
-      break;
-    case ControlKind::RadioButton:
-      if (event.key == KeySpace) UserClick(control);
-      if (IsArrow(event.key)) MoveInRadioGroup(control, forward);
-      break;
-    case ControlKind::Button:
-    case ControlKind::CheckBox:
-      if (event.key == KeySpace) UserClick(control);
-      if (IsArrow(event.key)) MoveFocus(*control.owner, forward);
       break;
     case ControlKind::DropDownList:
     case ControlKind::ListBox:
@@ -153,14 +102,6 @@ void KeyInControl(Control& control, const KeyEvent& event) {
     default:
       break;
   }
-}
-
-void DefaultAction(Screen& screen, const KeyEvent& event) {
-  if (!screen.visible || screen.closing) return;
-  if (event.key == KeyTab && !event.ctrl && !event.alt)
-    MoveFocus(screen, !event.shift);
-  else if (screen.focus && IsUsable(*screen.focus))
-    KeyInControl(*screen.focus, event);
 }
 
 MenuItem* ChoosableIn(std::vector<MenuItem>& items, const std::string& name) {
@@ -175,9 +116,11 @@ MenuItem* ChoosableIn(std::vector<MenuItem>& items, const std::string& name) {
 }  // namespace
 
 void HeadlessKey(KeyEvent event) {
+  if (headless::BoxIsOpen()) return;
   Screen* screen = KeyScreen();
   bool taken = UserKeyDown(screen, event);
-  if (!taken && screen) DefaultAction(*screen, event);
+  if (!taken && screen && UserReaches(*screen) && screen->focus && IsUsable(*screen->focus))
+    KeyInControl(*screen->focus, event);
   event.handled = false;
   UserKeyUp(KeyScreen(), event);
 }
@@ -192,9 +135,10 @@ void HeadlessClick(Control& control) {
   }
   bool text = control.kind == ControlKind::TextField || control.kind == ControlKind::TextArea;
   if (text) {
+    bool brings = screen.focus != &control;
     UserFocus(control);
     if (screen.focus != &control) return;
-    headless::CursorToEnd(control);
+    if (!brings || control.selLength == 0) headless::CursorToEnd(control);
   }
   UserClick(control);
 }

@@ -2,6 +2,7 @@
 #include "platform/frame.h"
 #include "platform/headless/script.h"
 #include "support/keynames.h"
+#include "support/testfolder.h"
 #include "support/user.h"
 
 void PressKey(std::string_view key) { HeadlessKey(KeyNamed(key)); }
@@ -74,6 +75,21 @@ std::string ShownFocus() {
   Control* control = SeenFocus();
   return control ? control->name : "";
 }
+
+int ShownFocusMoves() { return SeenFocusMoves(); }
+
+// ---- testfolder.h -------------------------------------------------------------------------------
+
+std::string TestFolder() {
+  PutFolder("/home/user/test");
+  return "/home/user/test";
+}
+void MakeFolder(const std::string& path) { PutFolder(path); }
+void MakeFile(const std::string& path, const std::string& bytes) { PutTextFile(path, bytes); }
+void MakeLink(const std::string& path, const std::string& target) { PutLink(path, target); }
+void MakeReadOnly(const std::string& path, bool readOnly) { SetReadOnlyFile(path, readOnly); }
+
+// ---- the fixture --------------------------------------------------------------------------------
 
 void PlatformTest::SetUp() { ResetHeadless(); }
 
