@@ -76,6 +76,10 @@ void ChooseFile(FileDialog& dialog, const char* kind) {
   std::optional<std::string> path;
   if (!files.empty()) path = Take(files);
   if (!path) RaiseFailure(FailureCancel);
+  if (path->empty()) {
+    dialog.fileName.clear();
+    return;
+  }
   std::string folder = !dialog.folder.empty() ? dialog.folder : lastFolder;
   if (!folder.empty() && !path->starts_with('/')) path = folder + "/" + *path;
   dialog.fileName = headless::FullPath(*path);
