@@ -159,7 +159,8 @@ void Engine::StepIdle() {
   }
   const double missing = Interpolate(temperatures, speeds, coolant_) - rpm_;
   const int gainCell = missing > 0 ? cell::IdleAdvanceLow : cell::IdleAdvanceHigh;
-  idleAdvance_ = std::clamp(missing / 15.31 * cal_.Scaled(gainCell, 20.74), -8.0, 8.0);
+  constexpr double WholeStepRpm = 100;  // off target: the whole of it
+  idleAdvance_ = std::clamp(missing / WholeStepRpm, -1.0, 1.0) * cal_.Scaled(gainCell, 20.74);
   constexpr double QuietRpm = 15;
   if (std::abs(missing) < QuietRpm) return;
   idleWaitS_ += StepS;

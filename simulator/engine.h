@@ -108,7 +108,7 @@ class Engine {
   std::int64_t timeUs_ = 0;
   std::uint64_t noise_;
 
-  double rpm_ = 800;
+  double rpm_ = 750;
   double map_ = 35;
   double coolant_ = 88;
   double air_ = 32;
@@ -118,7 +118,7 @@ class Engine {
   double idleSteps_ = 70;
   double idleWaitS_ = 0;
   double stateS_ = 60;   // seconds in this state
-  double advance_ = 20;  // degrees
+  double advance_ = 17;  // degrees
   double idleAdvance_ = 0;
   double knockRetard_ = 0;
   double knockLevel_ = 0;  // counts

@@ -102,7 +102,9 @@ void Engine::StepMixture() {
   tipIn_ = std::min(tipIn_ + std::max(throttleRate_, 0.0) * StepS * 0.08, 0.3);
   tipIn_ *= std::exp(-StepS / 0.4);
   const double open = std::max(pulseMs_ - DeadTimeMs(battery_), 0.0) * (1 - tipIn_);
-  const double need = FuelNeedMs(rpm_, map_, air_, coolant_);
+  const double sinceStart = state_ == State::Running ? stateS_ : 0;
+  const double dryWalls = StartingNeed(coolant_) * std::exp(-sinceStart / 1.0);
+  const double need = FuelNeedMs(rpm_, map_, air_, coolant_) * (1 + dryWalls);
   airFuel_ = open > 0.001 ? std::min(StoichiometricRatio * need / open, 99.0) : 99.0;
 }
 

@@ -14,7 +14,7 @@ const Calibration& BestKnown() {
   return calibration;
 }
 
-constexpr double NeedAtOneGamaMs = 14.848;
+constexpr double NeedAtOneGamaMs = 6.872;
 
 // The sensor's curve, from lean to rich.
 constexpr double Volts[] = {0, .45, .65, 1.6, 2.5, 4.0, 4.2, 4.62, 4.8, 5.0};
@@ -74,6 +74,10 @@ double FuelNeedMs(double rpm, double mapKpa, double airCelsius, double coolant) 
 }
 
 double DeadTimeMs(double batteryVolts) { return 0.5 + 0.1 * (14 - batteryVolts); }
+
+double StartingNeed(double coolant) {
+  return 0.5 + 1.2 * std::clamp((80 - coolant) / 110, 0.0, 1.0);
+}
 
 double EgoVolts(double airFuel) { return Interpolate(MinusRatios, Volts, -airFuel); }
 

@@ -32,6 +32,8 @@ double Friction(double rpm, double mapKpa, double coolant);
 // Milliseconds of open injector that a stoichiometric filling needs, and the dead time of a pulse.
 double FuelNeedMs(double rpm, double mapKpa, double airCelsius, double coolant);
 double DeadTimeMs(double batteryVolts);
+// What the dry walls of a starting engine take, as a share of the need.
+double StartingNeed(double coolant);
 // Volts of the wide-range sensor in a gas of this ratio.
 double EgoVolts(double airFuel);
 
