@@ -125,8 +125,9 @@ bool TakeControl(Simulator& s) {
 
 void TakeBytes(Simulator& s) {
   if (!s.pty) return;
-  s.pty->NoteUsers();
+  // In this order: who has written these bytes is then known to be there for the answer.
   const std::vector<std::uint8_t> bytes = s.pty->Read();
+  s.pty->NoteUsers();
   const std::int64_t now = s.NowUs();
   for (std::uint8_t byte : bytes) {
     s.log.Note('>', byte, now);
