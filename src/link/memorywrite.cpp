@@ -1,0 +1,137 @@
+// Writes of one or two bytes into the running control unit.
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "core/globalstate.h"
+#include "core/numbers.h"
+#include "link/comm.h"
+#include "link/onfly.h"
+#include "link/postedwrite.h"
+#include "platform/failure.h"
+#include "platform/loop.h"
+
+namespace {
+
+constexpr WaitRule waitForOpening{32767, 0.1, WaitTest::AtLeast};
+constexpr WaitRule waitForRecord{10000, 1, WaitTest::Equal};
+constexpr WaitRule waitForEnd{32767, 1, WaitTest::Equal};
+constexpr std::string_view endRecord = "S9030000FC";
+
+// Why a write was refused: 11 at the opening, 12 at the record, 13 at its end or by an old PROM.
+constexpr float faultOpening = 11;
+constexpr float faultRecord = 12;
+constexpr float faultEnd = 13;
+
+enum class Write { Accepted, Refused, InvalidProm, Left };
+
+// Sends again and again until an answer comes; false when the loop must end.
+bool SendUntilAnswered(const std::function<void()>& send, const WaitRule& rule) {
+  do {
+    send();
+    if (PollingWait(rule, LoopMustEnd) == WaitEnd::Reply) return true;
+  } while (!LoopMustEnd());
+  return false;
+}
+
+void SendOpening() {
+  MSComm1.RThreshold = 2;
+  MSComm1.InputLen = 0;
+  RxBuffer.clear();
+  MSComm1.Output("P");
+  Pause(PauseInCommand);
+  MSComm1.Output("2");
+  Yield();
+  Pause(PauseInCommand);
+}
+
+void SendRecord(const std::string& record) {
+  RxBuffer.clear();
+  MSComm1.Output(record);
+  Yield();
+}
+
+void SendEndRecord() {
+  for (char character : endRecord) MSComm1.Output(std::string_view(&character, 1));
+  RxBuffer.clear();
+  Yield();
+}
+
+bool RepliedWith(char first, char second) { return RxByte(0) == first && RxByte(1) == second; }
+
+Write Refuse(float fault) {
+  OnflyFault = fault;
+  return Write::Refused;
+}
+
+Write WriteRecord(const std::string& record) {
+  if (!SendUntilAnswered(SendOpening, waitForOpening)) return Write::Left;
+  if (RxByte(0) != 'A') return Refuse(faultOpening);
+  if (RxByte(1) != 'X') {
+    OnflyFault = faultEnd;
+    return Write::InvalidProm;
+  }
+  if (!SendUntilAnswered([&] { SendRecord(record); }, waitForRecord)) return Write::Left;
+  if (!RepliedWith('P', 'N')) return Refuse(faultRecord);
+  if (!SendUntilAnswered(SendEndRecord, waitForEnd)) return Write::Left;
+  if (!RepliedWith('P', 'C')) return Refuse(faultEnd);
+  return Write::Accepted;
+}
+
+Write TryWrite(int index, int count) {
+  try {
+    return WriteRecord(OnflyRecord(index, count));
+  } catch (const Failure&) {
+    return Refuse(WaitCount);
+  }
+}
+
+// The GPO word is stored by its own screen.
+bool BelongsToItsScreen(int index) { return index == 244 || index == 245; }
+
+}  // namespace
+
+std::string OnflyRecord(int index, int count) {
+  const std::span<std::int16_t> image = std::span(BinImage).first<512>();
+  const int page = index < 256 ? 0xB6 : 0xB7;
+  const int low = index & 255;
+  int sum = 3 + count + page + low;
+  std::string record = "S1" + HexText(static_cast<unsigned>(3 + count), 2) +
+                       HexText(static_cast<unsigned>(page), 2) +
+                       HexText(static_cast<unsigned>(low), 2);
+  for (int i = 0; i < count; ++i) {
+    const int byte = ElementAt(image, index + i);
+    if (byte < 0 || byte > 255) RaiseFailure(FailureOverflow);
+    record += HexText(static_cast<unsigned>(byte), 2);
+    sum += byte;
+  }
+  return record + HexText(static_cast<unsigned>(255 & ~sum), 2);
+}
+
+void ONFLY(int index, float count, float& result) {
+  result = 1;
+  const Write write = TryWrite(index, static_cast<int>(count));
+  if (write == Write::Accepted) result = BelongsToItsScreen(index) ? 2 : 0;
+  if (write == Write::Refused || write == Write::InvalidProm) ShowScreen(frmerr);
+  if (write == Write::InvalidProm) PROME();
+}
+
+Transfer TransferPostedWrite() {
+  if (!(OnflyByteCount > 0)) return Transfer::Nothing;
+  // Taken off before it is sent: what an editor posts meanwhile is the next write, and its value
+  // must not be stored for this one.
+  const int calIndex = OnflyCalIndex;
+  const double value = OnflyValue;
+  const int imageIndex = std::exchange(OnflyImageIndex, 0);
+  const float count = std::exchange(OnflyByteCount, 0.0F);
+  float result = 1;
+  ONFLY(imageIndex, count, result);
+  if (result == 0) ElementAt(std::span<float>(CalValues), calIndex) = static_cast<float>(value);
+  if (result != 1) RefreshActiveEditor();
+  MSComm1.RThreshold = 27;
+  MSComm1.InputLen = 0;
+  if (result == 1) return Transfer::Refused;
+  return result == 2 ? Transfer::Written : Transfer::Stored;
+}

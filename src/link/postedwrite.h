@@ -1,0 +1,24 @@
+// The memory write that an editor posts in an ONFLY session and that the live loop sends between two
+// frames. An editor never speaks to the control unit itself.
+#pragma once
+
+#include <cstdint>
+
+// Index into CalValues that takes the value when the control unit has accepted it. Starts as 0.
+extern std::int32_t OnflyCalIndex;
+// The value in engineering units. Starts as 0.
+extern double OnflyValue;
+// Index into BinImage of the (first) byte to send. Starts as 0.
+extern std::int32_t OnflyImageIndex;
+// 0 nothing posted, 1 or 2 bytes posted. Starts as 0.
+extern float OnflyByteCount;
+
+// Posts a write; one that was posted and not sent yet is lost. BinImage holds the bytes already.
+void PostWrite(int calIndex, double value, int imageIndex, int byteCount);
+
+// Redraws the editor on top, if one is up: the live loop calls it after an accepted write. Set by
+// the editors; does nothing until then.
+extern void (*RefreshActiveEditor)();
+
+// Start values of the posted write; RefreshActiveEditor stays.
+void ResetPostedWrite();
