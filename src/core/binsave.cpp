@@ -50,6 +50,7 @@ void WriteInPlace(const std::string& path, std::span<const std::uint8_t> bytes) 
   const OpenedFile file(path, FileMode::ReadWrite);
   WriteFile(file.handle, bytes);
   FlushFile(file.handle);
+  CloseFile(file.handle);
 }
 
 // The file ends with the bytes that writing over its beginning would give.
