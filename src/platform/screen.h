@@ -185,7 +185,8 @@ const std::vector<Screen*>& LoadedScreens();  // in the order of loading
 void ActivateScreen(Screen& screen);
 void SetScreenEnabled(Screen& screen, bool enabled);
 
-// Changes of one control. A text that is set is a change event too, if it differs.
+// Changes of one control. A text that is set is a change event too, if it differs; the cursor then
+// stands in front of it.
 void SetText(Control& control, std::string text);
 void SetCaption(Control& control, std::string caption);
 void SetBackColour(Control& control, Colour colour);
