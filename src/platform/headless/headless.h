@@ -48,6 +48,8 @@ struct ShownControl {
 };
 // The field shows what the user typed.
 void Typed(Control& control, const std::string& text);
+// The list shows what the user chose.
+void Chosen(Control& control, int index);
 // Null when its screen is not created.
 const ShownControl* ShownOf(const Control& control);
 // The control that the native focus of the screen stands on, or null.

@@ -71,6 +71,10 @@ void Typed(Control& control, const std::string& text) {
   if (SeenScreen* seen = SeenOf(*control.owner)) seen->controls[&control].text = text;
 }
 
+void Chosen(Control& control, int index) {
+  if (SeenScreen* seen = SeenOf(*control.owner)) seen->controls[&control].listIndex = index;
+}
+
 const ShownControl* ShownOf(const Control& control) {
   SeenScreen* seen = control.owner ? SeenOf(*control.owner) : nullptr;
   if (!seen) return nullptr;

@@ -128,6 +128,8 @@ void HeadlessKey(KeyEvent event) {
 void HeadlessClick(Control& control) {
   if (!Touch(control)) return;
   Screen& screen = *control.owner;
+  ScreenCall call(screen);
+  Watch watch(screen);
   if (control.kind == ControlKind::Canvas) {
     double x = control.canvasWidth / 2.0, y = control.canvasHeight / 2.0;
     UserMouse(control, {.kind = MouseEvent::Down, .x = x, .y = y});
@@ -137,22 +139,25 @@ void HeadlessClick(Control& control) {
   if (text) {
     bool brings = screen.focus != &control;
     UserFocus(control);
-    if (screen.focus != &control) return;
+    if (!watch.Alive() || screen.focus != &control) return;
     if (!brings || control.selLength == 0) headless::CursorToEnd(control);
   }
-  UserClick(control);
+  if (watch.Alive()) UserClick(control);
 }
 
 void HeadlessChoose(Control& control, int index) {
   if (index < 0 || index >= CountOf(control) || !Touch(control)) return;
+  headless::Chosen(control, index);
   UserListChoice(control, index);
-  NativeControlChanged(control, ChangedListIndex);
 }
 
 void HeadlessDoubleClick(Control& control, int index) {
   if (index < 0 || index >= CountOf(control)) return;
+  Screen& screen = *control.owner;
+  ScreenCall call(screen);
+  Watch watch(screen);
   HeadlessChoose(control, index);
-  if (Reachable(*control.owner) && IsUsable(control)) UserDoubleClick(control, index);
+  if (watch.Alive() && Reachable(screen) && IsUsable(control)) UserDoubleClick(control, index);
 }
 
 void HeadlessMouse(Control& control, const MouseEvent& event) {
