@@ -12,8 +12,6 @@
 #include "platform/dialogs.h"
 #include "platform/files.h"
 #include "platform/frame.h"
-#include "platform/loop.h"
-#include "platform/screen.h"
 #include "platform/system.h"
 
 namespace {
@@ -92,11 +90,4 @@ bool OfferSavingChanges() {
   if (MsgBox(text, Buttons::YesNo, "Save File Data", BoxIcon::Question) != Answer::Yes) return true;
   savedata();
   return !CalChanged;
-}
-
-void EndWithFrame(Frame& frame) {
-  OfferSavingChanges();
-  UnloadAllScreens();
-  StoreFramePlace(frame);
-  EndProgram();
 }

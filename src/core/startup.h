@@ -25,7 +25,3 @@ void StoreFramePlace(Frame& frame);
 // With unsaved changes, asks whether to save, and saves on Yes. False when a wanted save has
 // failed.
 bool OfferSavingChanges();
-
-// What the unload of the frame does: offers saving, unloads all screens, keeps the place, ends the
-// program.
-void EndWithFrame(Frame& frame);

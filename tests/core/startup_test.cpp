@@ -7,8 +7,6 @@
 #include "filestest.h"
 #include "platform/files.h"
 #include "platform/frame.h"
-#include "platform/loop.h"
-#include "platform/screen.h"
 #include "platform/system.h"
 
 namespace {
@@ -160,23 +158,4 @@ TEST_F(StartupTest, SaveThatFailsAtTheEndIsTold) {
   EXPECT_FALSE(OfferSavingChanges());
   ExpectSavingQuestion("/home/user/v8.bin");
   ExpectErrorBox(61, "Disk full", "Please File a Software Problem Report. (savedata)");
-}
-
-TEST_F(StartupTest, EndAsksFirstThenClosesAllScreensAndKeepsThePlace) {
-  OpenSound("/home/user/v8.bin");
-  CalChanged = true;
-  std::vector<std::string> order;
-  Screen first{.name = "first"}, second{.name = "second"};
-  for (Screen* screen : {&first, &second}) {
-    screen->on.unload = [&](Screen& unloaded) { order.push_back(unloaded.name); };
-    LoadScreen(*screen);
-  }
-  WhileNextBoxIsOpen([&] { order.push_back("question"); });
-  Frame frame;
-  frame.left = 77;
-  EndWithFrame(frame);
-  ExpectSavingQuestion("/home/user/v8.bin");
-  EXPECT_EQ(order, (std::vector<std::string>{"question", "second", "first"}));
-  EXPECT_EQ(GetSetting("Settings", "MainLeft"), "77");
-  EXPECT_TRUE(ProgramEnding());
 }
