@@ -8,18 +8,19 @@ ColourGrid TableColours{};
 
 namespace {
 
+constexpr int FirstRpmValue = 45;   // in CalValues, eight breakpoints
+constexpr int FirstLoadValue = 53;  // for a sensor of 1 bar
+
 constexpr int LastRow = 10;     // margin above the highest load
 constexpr int LastColumn = 12;  // margin at the rev limit
 constexpr float StoichiometricRatio = 14.64f;
 
-// Pulse, duty and colour of the VE table's nodes. The top margin stands for the highest pressure
-// that the engine reaches, not for the end of the sensor's range.
+// Pulse, duty and colour of the VE table's nodes.
 void BuildVeViews() {
   for (int row = FirstTableRow; row <= LastRow; ++row) {
-    double loadKpa = row == LastRow ? MaxManifoldKpa : LoadAxis[row];
     for (int column = 1; column <= LastColumn; ++column) {
       double ve = VeWork[row][column];
-      double pulseMs = CorrectedPulseMs(ve, loadKpa);
+      double pulseMs = NodePulseMs(row, column);
       double rpm = column > 1 ? RpmAxis[column] : 0;
       double shown = VeView == 0 ? ve : VeView == 1 ? pulseMs : DutyPercent(pulseMs, rpm);
       TableWork[row][column] = static_cast<float>(shown);
@@ -42,6 +43,8 @@ void BuildFixedView(const FixedView& view) {
   for (auto& row : TableColours) row.fill(view.colour);
 }
 
+double LoadScale() { return LoadMode == "MAP" ? MapBar : 1; }
+
 float LowSpeedMargin() {
   if (SelectedTable == TableAirFuel) return StoichiometricRatio;
   if (SelectedTable == TableAdvance) return CalValues[3];
@@ -60,9 +63,16 @@ void BuildMargins() {
 
 }  // namespace
 
+// A sensor without a range measures no load; what is left then is the injector's offset.
 double CorrectedPulseMs(double vePercent, double loadKpa) {
-  double low = MapLow, high = MapHigh;
-  return WorkIot + (1 + vePercent / 100) * WorkTog * (loadKpa - low) / (high - low);
+  double low = MapLow, span = static_cast<double>(MapHigh) - MapLow;
+  if (span == 0) return WorkIot;
+  return WorkIot + (1 + vePercent / 100) * WorkTog * (loadKpa - low) / span;
+}
+
+double NodePulseMs(int row, int column) {
+  double loadKpa = row == LastRow ? MaxManifoldKpa : LoadAxis[row];
+  return CorrectedPulseMs(VeWork[row][column], loadKpa);
 }
 
 // Without engine speed there is no end to the time between two events, and so no duty.
@@ -84,6 +94,10 @@ Colour ColourOfLoadDuty(double loadDutyPercent) {
 
 void ExtendAxes() {
   for (int position = 1; position < FirstTableColumn; ++position) RpmAxis[position] = 0;
+  for (int i = 0; i < TableSide; ++i) {
+    RpmAxis[FirstTableColumn + i] = CalValues[FirstRpmValue + i];
+    LoadAxis[FirstTableRow + i] = static_cast<float>(CalValues[FirstLoadValue + i] * LoadScale());
+  }
   RpmAxis[LastColumn] = WorkRevLimit;
   LoadAxis[1] = MapLow;
   LoadAxis[LastRow] = MapHigh;

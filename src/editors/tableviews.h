@@ -43,6 +43,9 @@ inline constexpr double DutyAtLimit = 100;
 
 // Fundamental pulse width in ms at a load in kPa with a VE correction in % FPW.
 double CorrectedPulseMs(double vePercent, double loadKpa);
+// That of a node with its working VE. The row above the table stands for the highest pressure that
+// the engine reaches, not for the end of the sensor's range.
+double NodePulseMs(int row, int column);
 // Share of the time between tach events, in %, that a pulse takes; 0 at standstill. The second one
 // takes the injector's recovery time off the time there is.
 double DutyPercent(double pulseMs, double rpm);
@@ -50,7 +53,7 @@ double LoadDutyPercent(double pulseMs, double rpm);
 // White below 75, yellow from 75, red from 100.
 Colour ColourOfLoadDuty(double loadDutyPercent);
 
-// Fills positions 1 to 3 and 12 of RpmAxis and 1 and 10 of LoadAxis around the breakpoints.
+// Fills RpmAxis and LoadAxis: the breakpoints of CalValues, and the positions around them.
 void ExtendAxes();
 // Extends the axes and fills TableWork and TableColours for SelectedTable and VeView from the
 // working tables, margins included.
