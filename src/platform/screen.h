@@ -55,6 +55,7 @@ struct TreeNode {
   std::string key;
   std::string parent;  // key of the parent node, "" at the root
   std::string icon;
+  bool enabled = true;  // drawn as switched off otherwise; it still tells of a double click
 };
 
 struct Control {

@@ -1,0 +1,23 @@
+// The commands of the main menu, which its buttons, the menu bar, the tree and the hot keys share.
+// Each refuses by its own guards before any screen is touched.
+#pragma once
+
+#include <string_view>
+
+// The wizard keeps the current calibration as its template instead of base.bin: set when it opens.
+extern bool WizardKeepFile;
+
+void EditCalibration();
+void ViewMonitor();
+void ProgramZem();
+void CreateDatalog();
+void ViewDatalog();
+void RunWizard();
+void ShowTools();
+void AutoCalibrate();
+void ShowOptions();
+
+// The screen of the monitor that "Screensetting" names.
+std::string_view MonitorOfSetting();
+// The data logger of the view menu: asks for its file and logs at once.
+void ShowDatalogScreen();

@@ -1,0 +1,7 @@
+// What stands in the way of a command of the main menu.
+#pragma once
+
+// Something is live: says so and returns true.
+bool RefusedWhileLive();
+// A session holds the serial port: says so and returns true.
+bool RefusedWhilePortHeld();

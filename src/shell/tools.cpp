@@ -1,0 +1,54 @@
+// The software tools.
+#include "shell/tools.h"
+
+#include <array>
+
+#include "core/version.h"
+#include "shell/guide.h"
+#include "shell/hotkeys.h"
+#include "shell/mainframe.h"
+#include "shell/mainmenu.h"
+
+namespace {
+
+void BackToMainMenu() { ShowMainMenu("SoftwareTools"); }
+
+constexpr std::array<ButtonRow, 5> rows = {{
+    {"Calculator", "&Calculator", "Tools", {"Calculator"}},
+    {"MemoPad", "&Memo Pad", "Tools", {"Memoedit"}},
+    {"PrintCalibration", "&Print Calibration File", "Tools", {"PRTForm"}},
+    {"UsersGuide", "&View Software User's Guide", "Tools", {.run = ViewGuideFromTools}},
+    {"Command1", "<< Back", "Leaving", {.run = BackToMainMenu}},
+}};
+
+void Build(Screen& screen) {
+  Add(screen, {.name = "Tools", .kind = ControlKind::Group, .caption = "Software Tools"});
+  Add(screen, {.name = "Leaving", .kind = ControlKind::Row});
+  AddButtons(screen, rows);
+  Add(screen, {.name = "Rest", .kind = ControlKind::Spacer, .place = {.in = "Leaving"}});
+}
+
+// It may have been left while the guide was open.
+void Load(Screen& screen) { SetScreenEnabled(screen, true); }
+
+void Shown(Screen& screen) {
+  DoStats();
+  RefreshButtons(screen, rows);
+}
+
+void OnKey(Screen& screen, KeyEvent& event) {
+  if (!HandleHotKey(event)) WalkButtons(screen, event);
+}
+
+}  // namespace
+
+Screen STools{.name = "STools",
+              .title = "Software Tools        " + VersionText(),
+              .build = Build,
+              .on = {.load = Load,
+                     .shown = Shown,
+                     .keyDown = OnKey,
+                     .click = [](Screen&, Control& control) { RunButton(rows, control); }},
+              .cancelButton = "Command1"};
+
+std::span<const ButtonRow> ToolRows() { return rows; }
