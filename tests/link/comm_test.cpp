@@ -7,48 +7,10 @@
 #include "platform/headless/script.h"
 #include "platform/loop.h"
 #include "platform/system.h"
+#include "support/headless/linktest.h"
 #include "support/headless/zemdevice.h"
-#include "support/user.h"
 
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-Bytes BytesOf(std::string_view text) { return Bytes(text.begin(), text.end()); }
-
-std::string Sent() {
-  const Bytes bytes = WrittenTo("COM1");
-  return std::string(bytes.begin(), bytes.end());
-}
-
-class LinkTest : public PlatformTest {
- protected:
-  void SetUp() override {
-    PlatformTest::SetUp();
-    ResetLinkState();
-    AddDevice("COM1", {});
-  }
-  void TearDown() override {
-    ResetLinkState();
-    PlatformTest::TearDown();
-  }
-  // Bytes that come with the next pass, as one arrival.
-  void Arrive(const Bytes& bytes) {
-    DeliverAt("COM1", NowUs(), bytes);
-    Yield();
-  }
-  void Arrive(std::string_view text) { Arrive(BytesOf(text)); }
-  // Answers everything that is written, `delayUs` later and a byte time apart.
-  void AnswerWith(std::string_view text, std::int64_t delayUs = 1000, std::int64_t gapUs = 1042) {
-    DeviceNamed("COM1")->written = [=](std::span<const std::uint8_t>, std::int64_t nowUs) {
-      std::int64_t at = nowUs + delayUs;
-      for (char character : text) {
-        DeliverAt("COM1", at, {static_cast<std::uint8_t>(character)});
-        at += gapUs;
-      }
-    };
-  }
-};
 
 // ---- threshold and input ------------------------------------------------------------------------
 
