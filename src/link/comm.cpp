@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "core/settings.h"
 #include "platform/dialogs.h"
 #include "platform/frame.h"
 #include "platform/loop.h"
-#include "platform/system.h"
 
 SerialControl MSComm1;
 std::vector<std::uint8_t> RxBuffer;
@@ -193,7 +193,7 @@ WaitEnd PollingWait(const WaitRule& rule, const std::function<bool()>& left) {
 
 bool OpenCommPort(int rThreshold, int inputLen) {
   MSComm1.Close();
-  MSComm1.CommPort = static_cast<int>(LeadingNumber(GetSetting("Options", "Comport", "1")));
+  MSComm1.CommPort = ReadSetting("Options", "Comport");
   MSComm1.Settings = "9600,N,8,1";
   MSComm1.RThreshold = rThreshold;
   MSComm1.InputLen = inputLen;

@@ -1,4 +1,5 @@
 // Writes of one or two bytes into the running control unit.
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -7,6 +8,7 @@
 
 #include "core/globalstate.h"
 #include "core/numbers.h"
+#include "core/s19file.h"
 #include "link/comm.h"
 #include "link/onfly.h"
 #include "link/postedwrite.h"
@@ -94,20 +96,15 @@ bool BelongsToItsScreen(int index) { return index == 244 || index == 245; }
 }  // namespace
 
 std::string OnflyRecord(int index, int count) {
-  const std::span<std::int16_t> image = std::span(BinImage).first<512>();
-  const int page = index < 256 ? 0xB6 : 0xB7;
-  const int low = index & 255;
-  int sum = 3 + count + page + low;
-  std::string record = "S1" + HexText(static_cast<unsigned>(3 + count), 2) +
-                       HexText(static_cast<unsigned>(page), 2) +
-                       HexText(static_cast<unsigned>(low), 2);
+  constexpr unsigned imageAddress = 0xB600;
+  std::array<std::int16_t, 2> bytes{};
   for (int i = 0; i < count; ++i) {
-    const int byte = ElementAt(image, index + i);
+    const int byte = ElementAt<std::int16_t>(std::span(BinImage).first<512>(), index + i);
     if (byte < 0 || byte > 255) RaiseFailure(FailureOverflow);
-    record += HexText(static_cast<unsigned>(byte), 2);
-    sum += byte;
+    ElementAt<std::int16_t>(bytes, i) = static_cast<std::int16_t>(byte);
   }
-  return record + HexText(static_cast<unsigned>(255 & ~sum), 2);
+  return S1Record(imageAddress + static_cast<unsigned>(index),
+                  std::span(bytes).first(static_cast<std::size_t>(count)));
 }
 
 void ONFLY(int index, float count, float& result) {
