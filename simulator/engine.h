@@ -67,6 +67,7 @@ class Engine {
   double Rpm() const { return rpm_; }
   double MapKpa() const { return map_; }
   double Coolant() const { return coolant_; }
+  double BatteryVolts() const { return battery_; }
   double Throttle() const { return throttle_; }
   double AirFuelRatio() const { return airFuel_; }  // in the cylinders
   double EgoCorrection() const { return correction_; }

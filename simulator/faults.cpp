@@ -75,9 +75,9 @@ std::optional<FaultRule> ParseFault(std::string_view text) {
   return rule;
 }
 
+// No command begins another, so a whole name fits itself alone and a letter its family.
 bool Faults::Active::Applies(std::string_view command) const {
-  if (rule.command.empty() || rule.command == command) return true;
-  return rule.command.size() == 1 && command.starts_with(rule.command);
+  return command.starts_with(rule.command);
 }
 
 void Faults::Add(FaultRule rule) {

@@ -88,10 +88,11 @@ void PullOut(Simulator& s) {
 
 // The terminal follows the ZEM's cable. False when no new terminal can be had.
 bool FollowCable(Simulator& s) {
-  if (s.zem.Plugged() == s.pty.has_value()) return true;
-  s.Say(s.zem.Plugged() ? "replugged" : "unplugged");
-  if (s.zem.Plugged()) return PlugIn(s);
-  PullOut(s);
+  const bool plugged = s.zem.Plugged();
+  if (plugged == s.pty.has_value()) return true;
+  if (plugged && !PlugIn(s)) return false;
+  if (!plugged) PullOut(s);
+  s.Say(plugged ? "replugged" : "unplugged");
   return true;
 }
 

@@ -202,9 +202,7 @@ bool Zem::Begins(std::string_view command, std::string_view detail) {
 // Any other command ends a memory write that was not finished.
 void Zem::EndWriting() {
   completed_ = false;
-  if (mode_ != Mode::Writing) return;
-  mode_ = Mode::Running;
-  pendingWrite_.reset();
+  if (mode_ == Mode::Writing) mode_ = Mode::Running;
 }
 
 // --- live data -----------------------------------------------------------------------------------
@@ -411,7 +409,6 @@ void Zem::Unplug() {
 void Zem::PowerCycle() {
   expect_ = Expect::Command;
   completed_ = false;
-  pendingWrite_.reset();
   toZem_.Cut(nowTicks_);
   toPc_.Cut(nowTicks_);
   if (mode_ == Mode::Programming) return;  // no calibration to run on

@@ -1,12 +1,10 @@
-// The engine behaves like one, and answers to its calibration and to what is tuned.
-#include "simulator/engine.h"
-
+// The engine behaves like one: idle, warm-up, throttle, limits, outputs, starting and stopping.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
+#include "bench.h"
 #include "exchange.h"
 #include "simulator/physics.h"
 
@@ -16,43 +14,6 @@ using sim::Engine;
 using sim::Image;
 using sim::LiveBytes;
 using namespace std::string_literals;
-
-double ErpmOf(const LiveBytes& f) { return std::floor(12150 * ((f[0] * 256 + f[1]) / 8192.0)); }
-double AdvanceOf(const LiveBytes& f) { return f[2] / 4.25; }
-double GamaOf(const LiveBytes& f) { return (128 + f[5] + 3 * f[6]) / 256.0; }
-double PulseOf(const LiveBytes& f) { return (f[25] * 256 + f[26]) / 125.0; }
-double CorrectionOf(const LiveBytes& f) {
-  return f[17] < 128 ? f[17] / 255.0 : (256 - f[17]) / -255.0;
-}
-double RatioOf(std::uint8_t counts) { return 14.64 / ((128 + counts) / 255.0); }
-
-// An engine with its own clock.
-struct Bench {
-  Engine engine;
-  double seconds = 0;
-  explicit Bench(const Image& image = sim::DefaultImage()) : engine(image, 1) {}
-  void Run(double more) {
-    seconds += more;
-    engine.AdvanceTo(static_cast<std::int64_t>(seconds * 1e6));
-  }
-  // The mean of something over some seconds.
-  double Mean(double more, const std::function<double(const LiveBytes&)>& value) {
-    double sum = 0;
-    const int steps = static_cast<int>(more * 100);
-    for (int i = 0; i < steps; ++i) {
-      Run(0.01);
-      sum += value(engine.Frame());
-    }
-    return sum / steps;
-  }
-};
-
-Image With(std::initializer_list<std::pair<int, int>> bytes) {
-  Image image = sim::DefaultImage();
-  for (const auto& [index, value] : bytes)
-    image[static_cast<std::size_t>(index)] = static_cast<std::uint8_t>(value);
-  return image;
-}
 
 // --- idle ----------------------------------------------------------------------------------------
 
@@ -72,6 +33,13 @@ TEST(EngineIdle, WithoutIdleControlItStaysWhereTheValveIs) {
   Bench bench(With({{0, 0xF8 & ~32}, {198, 65}}));
   bench.Run(30);
   EXPECT_LT(bench.Mean(5, ErpmOf), 900);
+}
+
+TEST(EngineIdle, CoarseStepsLeadToTheTargetWithoutFineOnes) {
+  Bench bench(With({{203, 0}}));
+  bench.engine.SetCoolant(0);
+  bench.Run(6);
+  EXPECT_GT(bench.engine.Rpm(), 1050);
 }
 
 TEST(EngineIdle, RunsFasterCold) {
@@ -241,267 +209,6 @@ TEST(EngineRevLimit, ByZeroAdvanceShowsNoAdvance) {
 TEST(EngineRevLimit, DisabledLetsItRunHigher) {
   Bench bench(With({{0, 0xF8 & ~8}}));
   EXPECT_GT(HighestRpm(bench), 6000);
-}
-
-// --- spark and knock -----------------------------------------------------------------------------
-
-TEST(EngineSpark, ComesFromTheProgrammedTable) {
-  Image image = sim::DefaultImage();
-  std::fill(image.begin() + 54, image.begin() + 118, std::uint8_t{85});  // 20 degrees everywhere
-  image[448] = 0;  // nothing for the air's temperature
-  Bench bench(image);
-  bench.engine.driver.Hold(15);
-  bench.Run(5);
-  EXPECT_EQ(bench.engine.Frame()[2], 85);
-}
-
-TEST(EngineSpark, FixedOffsetAddsAndTakesAway) {
-  Exchange pc;
-  pc.zem.Motor().driver.Hold(15);
-  pc.Wait(10);
-  const double before = AdvanceOf(pc.Frame());
-  pc.Ask("R3\x15");  // 21 / 4.25: 4.94 degrees
-  pc.Wait(0.05);
-  EXPECT_NEAR(AdvanceOf(pc.Frame()) - before, 4.94, 1);
-  pc.Ask("R3\xAA");  // -42 / 4.25: -9.88 degrees
-  pc.Wait(0.05);
-  EXPECT_NEAR(AdvanceOf(pc.Frame()) - before, -9.88, 1);
-  EXPECT_EQ(pc.Frame()[23], 256 - 42);
-}
-
-TEST(EngineSpark, ZeroAdvanceIsZeroUntilCleared) {
-  Exchange pc;
-  pc.Wait(5);
-  pc.Ask("Z");
-  pc.Wait(0.1);
-  EXPECT_EQ(pc.Frame()[2], 0);
-  pc.Wait(20);
-  EXPECT_EQ(pc.zem.Motor().Now(), Engine::State::Running);
-  pc.Ask("C");
-  pc.Wait(0.1);
-  EXPECT_GT(AdvanceOf(pc.Frame()), 10);
-}
-
-struct Knocking {
-  int loudest = 0;
-  double advance = 0;
-};
-
-// Ten degrees too much under load, for half a second.
-Knocking TooMuchAdvance(const Image& image) {
-  Exchange pc{.zem = sim::Zem({}, image)};
-  pc.zem.Motor().driver.Hold(80);
-  pc.Wait(3);
-  EXPECT_LT(pc.Frame()[7], 76);
-  pc.Ask("R3\x2A");
-  Knocking knocking;
-  for (int i = 0; i < 10; ++i) {
-    pc.Wait(0.05);
-    const LiveBytes frame = pc.Frame();
-    knocking.loudest = std::max<int>(knocking.loudest, frame[7]);
-    knocking.advance = AdvanceOf(frame);
-  }
-  return knocking;
-}
-
-TEST(EngineKnock, TooMuchAdvanceKnocksAndIsRetarded) {
-  const Knocking controlled = TooMuchAdvance(sim::DefaultImage());
-  const Knocking left = TooMuchAdvance(With({{0, 0xF8 & ~16}}));
-  EXPECT_GT(controlled.loudest, 76);
-  EXPECT_GT(left.loudest, 76);
-  EXPECT_LT(controlled.advance, left.advance - 2);
-}
-
-TEST(EngineKnock, RetardHasItsProgrammedLimit) {
-  const Knocking little = TooMuchAdvance(With({{25, 4}, {23, 43}}));  // a degree at most
-  const Knocking left = TooMuchAdvance(With({{0, 0xF8 & ~16}}));
-  EXPECT_NEAR(left.advance - little.advance, 0.94, 0.5);
-}
-
-// --- fuel ----------------------------------------------------------------------------------------
-
-double MeanPulse(Exchange& pc) {
-  double sum = 0;
-  for (int i = 0; i < 100; ++i) {
-    pc.Wait(0.02);
-    sum += PulseOf(pc.Frame());
-  }
-  return sum / 100;
-}
-
-TEST(EngineFuel, GamaOffsetShowsInGamaAndPulse) {
-  Exchange pc;
-  pc.Ask("RU\xFF");
-  pc.zem.Motor().driver.Hold(20);
-  pc.Wait(40);
-  EXPECT_NEAR(GamaOf(pc.Frame()), 1, 0.005);
-  const double before = MeanPulse(pc);
-  pc.Ask("R4\x33");  // 51 / 255: 20 %
-  pc.Wait(2);
-  EXPECT_NEAR(GamaOf(pc.Frame()), 1.2, 0.005);
-  EXPECT_NEAR((MeanPulse(pc) - 0.5) / (before - 0.5), 1.2, 0.05);
-  pc.Ask("R4\xB3");  // -20 %
-  pc.Wait(0.1);
-  EXPECT_NEAR(GamaOf(pc.Frame()), 0.8, 0.005);
-}
-
-TEST(EngineFuel, TogOffsetShowsInItsBytesAndTheMixture) {
-  Exchange pc;
-  pc.Ask("RU\xFF");
-  pc.Wait(5);
-  EXPECT_EQ(pc.Frame()[13], 3);
-  EXPECT_EQ(pc.Frame()[14], 91);
-  const double before = RatioOf(pc.Frame()[15]);
-  pc.Ask("R8\x02");
-  pc.Ask("R9\xC0");  // (2 + 192 / 256) * 2.048: 5.6 ms
-  pc.Wait(1);
-  EXPECT_EQ(pc.Frame()[13], 2);
-  EXPECT_EQ(pc.Frame()[14], 192);
-  EXPECT_GT(RatioOf(pc.Frame()[15]), before + 0.8);
-}
-
-TEST(EngineFuel, InjectorOffsetShowsInThePulse) {
-  Exchange pc;
-  pc.Ask("RU\xFF");
-  pc.zem.Motor().driver.Hold(20);
-  pc.Wait(40);
-  const double before = MeanPulse(pc);
-  pc.Ask("R6\x0C");  // 1.5 ms instead of the calibration's 0.5
-  pc.Wait(0.1);
-  EXPECT_NEAR(MeanPulse(pc) - before, 1, 0.25);
-}
-
-TEST(EngineFuel, NegativeInjectorOffsetTakesAway) {
-  Exchange pc;
-  pc.Ask("RU\xFF");
-  pc.zem.Motor().driver.Hold(40);
-  pc.Wait(40);
-  const double before = PulseOf(pc.Frame());
-  pc.Ask("R6\x84");  // -0.5 ms
-  pc.Wait(0.02);
-  EXPECT_NEAR(PulseOf(pc.Frame()) - before, -1, 0.1);
-}
-
-TEST(EngineFuel, AirFuelOffsetMovesTheDesiredRatioFromItsBase) {
-  Exchange pc;
-  pc.Wait(5);
-  EXPECT_EQ(pc.Frame()[18], pc.Frame()[19]);
-  pc.Ask("RO\x0A");
-  pc.Wait(0.05);
-  EXPECT_EQ(pc.Frame()[18], pc.Frame()[19] + 10);
-  pc.Wait(20);
-  EXPECT_NEAR(RatioOf(pc.Frame()[15]), RatioOf(pc.Frame()[18]), 0.35);
-  pc.Ask("RO\xF6");
-  pc.Wait(0.05);
-  EXPECT_EQ(pc.Frame()[18], pc.Frame()[19] - 10);
-}
-
-TEST(EngineFuel, ThrottleBlendOffsetShowsInItsByte) {
-  Exchange pc;
-  pc.Ask("R5\x33");
-  EXPECT_EQ(pc.Frame()[22], 51);
-}
-
-TEST(EngineFuel, BlendedLoadFollowsTheThrottleWherePercentsAreProgrammed) {
-  Image blended = sim::DefaultImage();
-  std::fill(blended.begin() + 439, blended.begin() + 447, std::uint8_t{255});
-  const auto pulse = [](const Image& image, std::string_view offset) {
-    Exchange pc{.zem = sim::Zem({}, image)};
-    pc.Ask("RU\xFF");
-    pc.Ask(offset);
-    pc.zem.Motor().driver.Hold(30);
-    pc.Wait(0.6);
-    return PulseOf(pc.Frame());
-  };
-  EXPECT_LT(pulse(blended, "R5\x1F"), pulse(blended, "R5\x01") - 0.7);
-  EXPECT_NEAR(pulse(sim::DefaultImage(), "R5\x1F"), pulse(sim::DefaultImage(), "R5\x01"), 0.01);
-}
-
-TEST(EngineFuel, VeTableByteMovesThePulse) {
-  Exchange pc;
-  pc.Ask("RU\xFF");
-  pc.Wait(5);
-  const double before = MeanPulse(pc);
-  for (int cell = 118; cell < 182; ++cell) {
-    pc.Ask("P2");
-    ASSERT_EQ(pc.Ask(S1(sim::ImageAddress + cell, {160})), "PN");
-    ASSERT_EQ(pc.Ask("S9030000FC"), "PC");
-  }
-  EXPECT_GT(MeanPulse(pc), before * 1.1);
-}
-
-// --- exhaust feedback ----------------------------------------------------------------------------
-
-TEST(EngineEgo, SwingsAroundStoichiometricInClosedLoop) {
-  Bench bench;
-  bench.Run(20);
-  double leanest = 0, richest = 99, most = -1, least = 1;
-  int crossings = 0;
-  bool wasLean = false;
-  for (int i = 0; i < 2000; ++i) {
-    bench.Run(0.01);
-    const LiveBytes frame = bench.engine.Frame();
-    const double ratio = bench.engine.AirFuelRatio();
-    leanest = std::max(leanest, ratio);
-    richest = std::min(richest, ratio);
-    most = std::max(most, CorrectionOf(frame));
-    least = std::min(least, CorrectionOf(frame));
-    const bool lean = ratio > 14.64;
-    if (i > 0 && lean != wasLean) ++crossings;
-    wasLean = lean;
-  }
-  EXPECT_GT(leanest, 14.7);
-  EXPECT_LT(leanest, 15.4);
-  EXPECT_LT(richest, 14.6);
-  EXPECT_GT(richest, 14.0);
-  EXPECT_GT(most - least, 0.01);
-  EXPECT_GT(crossings, 20);
-}
-
-TEST(EngineEgo, OpenLoopHoldsTheCorrectionAtZero) {
-  Exchange pc;
-  pc.Wait(20);
-  pc.Ask("RU\xFF");
-  for (int i = 0; i < 100; ++i) {
-    pc.Wait(0.1);
-    ASSERT_EQ(pc.Frame()[17], 0);
-  }
-  pc.Ask("RU\0"s);
-  bool moves = false;
-  for (int i = 0; i < 50; ++i) {
-    pc.Wait(0.1);
-    moves = moves || pc.Frame()[17] != 0;
-  }
-  EXPECT_TRUE(moves);
-}
-
-TEST(EngineEgo, DisabledInTheOptionFlagsStaysAtZero) {
-  Bench bench(With({{0, 0xF8 & ~64}}));
-  bench.Run(30);
-  EXPECT_EQ(bench.engine.Frame()[17], 0);
-}
-
-TEST(EngineEgo, CorrectsAWrongTogWithinItsAuthority) {
-  Exchange pc;
-  pc.Ask("R9\x99");  // 7.37 ms: 7 % too rich
-  pc.Wait(30);
-  double sum = 0;
-  for (int i = 0; i < 200; ++i) {
-    pc.Wait(0.02);
-    sum += CorrectionOf(pc.Frame());
-  }
-  EXPECT_NEAR(sum / 200, -0.07, 0.04);
-  EXPECT_NEAR(pc.zem.Motor().AirFuelRatio(), 14.64, 0.5);
-  pc.Ask("R8\x05");  // 11.5 ms: more than it may correct
-  pc.Wait(30);
-  EXPECT_NEAR(CorrectionOf(pc.Frame()), -0.15, 0.01);
-  EXPECT_LT(pc.zem.Motor().AirFuelRatio(), 12.5);
-}
-
-TEST(EngineEgo, ReadsTheRatioByTheProgrammedCurve) {
-  Bench bench;
-  bench.Run(20);
-  EXPECT_NEAR(bench.Mean(10, [](const LiveBytes& f) { return RatioOf(f[15]); }), 14.64, 0.15);
 }
 
 // --- output, battery, sensors --------------------------------------------------------------------
@@ -680,6 +387,22 @@ TEST(EngineMemory, PowerCyclingLosesTheOffsetsAndKeepsTheMemory) {
 }
 
 // --- bytes ---------------------------------------------------------------------------------------
+
+TEST(EngineBytes, FrameCarriesTheEngineInItsScales) {
+  Bench bench;
+  bench.engine.driver.Hold(70);
+  for (int i = 0; i < 40; ++i) {
+    bench.Run(0.25);
+    const LiveBytes frame = bench.engine.Frame();
+    EXPECT_NEAR(ErpmOf(frame), bench.engine.Rpm(), 2);
+    EXPECT_NEAR(AdvanceOf(frame), bench.engine.AdvanceDegrees(), 0.5 / 4.25 + 1e-9);
+    EXPECT_NEAR(frame[3] * 0.4094, bench.engine.MapKpa(), 0.25);
+    EXPECT_EQ(frame[10], std::nearbyint(bench.engine.BatteryVolts() / 0.067432));
+    EXPECT_NEAR(PulseOf(frame), bench.engine.PulseMs(), 0.5 / 125 + 1e-9);
+    EXPECT_NEAR(CorrectionOf(frame), bench.engine.EgoCorrection(), 0.5 / 255 + 1e-9);
+    EXPECT_EQ(frame[24], 244);
+  }
+}
 
 TEST(EngineBytes, SignAndMagnitude) {
   EXPECT_EQ(sim::SignAndMagnitude(0), 0);

@@ -263,6 +263,18 @@ TEST(Faults, UnplugAtTheNthCommand) {
   EXPECT_EQ(pc.Ask("F").size(), 27u);
 }
 
+TEST(Faults, UnplugAtEveryNthCommandSoOften) {
+  Exchange pc = With("unplug:2:2");
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(pc.Ask("E"), "AX");
+    EXPECT_EQ(pc.Ask("E"), "");
+    EXPECT_FALSE(pc.zem.Plugged());
+    pc.zem.Replug();
+  }
+  EXPECT_EQ(pc.Ask("E"), "AX");
+  EXPECT_EQ(pc.Ask("E"), "AX");
+}
+
 TEST(Faults, TheEngineRunsOnWhileUnplugged) {
   Exchange pc;
   pc.zem.Unplug();

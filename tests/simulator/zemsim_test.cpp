@@ -179,8 +179,10 @@ TEST_F(Zemsim, ALeavingUserLeavesNothingBehind) {
   ASSERT_EQ(ioctl(port, TIOCEXCL), 0);
   ASSERT_EQ(write(port, "F\n", 2), 2);
   close(port);
-  Control("clear");
-  EXPECT_EQ(Line(), "control: clear");  // it has noticed by now
+  for (int i = 0; i < 2; ++i) {  // after the second it has been once around, and has noticed
+    Control("clear");
+    EXPECT_EQ(Line(), "control: clear");
+  }
   port = open(In("port").c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
   ASSERT_GE(port, 0);
   termios found{};
@@ -273,8 +275,8 @@ TEST_F(Zemsim, UnpluggedTheTerminalIsGoneAndReplugedItIsBackUnderTheLink) {
   close(port);
   Control("replug");
   EXPECT_EQ(Line(), "control: replug");
-  EXPECT_EQ(Line(), "replugged");
   EXPECT_EQ(Line().substr(0, 9), "terminal ");
+  EXPECT_EQ(Line(), "replugged");
   Open();
   EXPECT_EQ(Ask("E", 2), "AX");
 }
