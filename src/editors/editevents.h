@@ -1,0 +1,21 @@
+// The steps of the entry cycle that the events of a screen run. Nobody outside of the cycle
+// includes this.
+#pragma once
+
+#include "editors/editcycle.h"
+
+void GotFocusStep(Editor& editor, const EditorField& row);
+void LostFocusStep(Editor& editor, const EditorField& row);
+void GotFocusStep(Editor& editor, const EditorList& row);
+void LostFocusStep(Editor& editor, const EditorList& row);
+
+// The entry handler: runs on each change, takes an entry only when EnterPressed is set.
+void EntryHandler(Editor& editor, const EditorField& row);
+// Enter in a field.
+void PressEnter(Editor& editor, const EditorField& row);
+
+void EditorLoaded(Editor& editor);
+void EditorUnloaded(Editor& editor);
+
+// Connects the events of the screen's record to the steps.
+void ConnectEvents(Editor& editor);
