@@ -66,8 +66,11 @@ std::string Lower(std::string text) {
 // The path behind the links.
 std::string Target(const std::string& path) {
   std::string at = headless::FullPath(path);
-  for (auto found = links.find(at); found != links.end(); found = links.find(at))
+  for (std::size_t step = 0; step <= links.size(); ++step) {  // links in a circle lead nowhere
+    auto found = links.find(at);
+    if (found == links.end()) break;
     at = found->second;
+  }
   return at;
 }
 
@@ -380,6 +383,7 @@ void SaveWholeFile(const std::string& path, std::span<const std::uint8_t> bytes)
   NeedWritable(target);
   std::string stray = StrayOf(target);
   auto written = WriteBeside(stray, bytes);
+  if (const Node* before = NodeAt(target)) written->unreadable = before->unreadable;
   nodes.erase(stray);
   nodes[target] = written;
 }

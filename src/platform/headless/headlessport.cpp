@@ -42,13 +42,18 @@ bool Gone(const std::string& device) {
   return !found || found->gone;
 }
 
+// The open port of a device that can still be heard, or null.
+OpenLine* LiveLine(const std::string& device) {
+  auto found = lines.find(HandleOf(device));
+  return found == lines.end() || found->second.told || Gone(device) ? nullptr : &found->second;
+}
+
 // Bytes reach a port that is open when they come; otherwise they are lost.
 void Deliver(const std::shared_ptr<Delivery>& delivery) {
   std::erase(deliveries, delivery);
-  if (delivery->forgotten || Gone(delivery->device)) return;
-  PortHandle handle = HandleOf(delivery->device);
-  if (handle == 0) return;
-  auto received = lines[handle].events.received;
+  if (delivery->forgotten) return;
+  OpenLine* line = LiveLine(delivery->device);
+  auto received = line ? line->events.received : nullptr;
   if (received) received(delivery->bytes);
 }
 
@@ -102,10 +107,9 @@ void DeliverAt(const std::string& device, std::int64_t timeUs, std::vector<std::
 
 void DeliverLineEvent(const std::string& device, int number) {
   AtUs(NowUs(), [device, number] {
-    PortHandle handle = HandleOf(device);
-    if (handle == 0 || Gone(device)) return;
-    auto line = lines[handle].events.line;
-    if (line) line(number);
+    OpenLine* line = LiveLine(device);
+    auto tell = line ? line->events.line : nullptr;
+    if (tell) tell(number);
   });
 }
 
