@@ -1,0 +1,206 @@
+// Editors inside the running program: hot keys, the way from and to the calibration screen, saving.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/binfile.h"
+#include "core/globalstate.h"
+#include "editors/binjgraph.h"
+#include "editors/editors.h"
+#include "link/comm.h"
+#include "platform/files.h"
+#include "platform/frame.h"
+#include "platform/system.h"
+#include "shell/mainframe.h"
+#include "shell/start.h"
+#include "support/testfolder.h"
+#include "support/user.h"
+
+namespace {
+
+// A second editor, for what Binj_graph does otherwise.
+Editor& OrdinaryEditor() {
+  static Editor editor = [] {
+    Editor made;
+    made.name = "KnockCntl";
+    made.title = "KNOCK CONTROL";
+    made.fields = {{.number = 1, .control = "Text1", .calIndex = 37, .low = 2, .high = 100}};
+    made.back = {.screen = "CSForm1", .button = "&Knock Control"};
+    return made;
+  }();
+  return editor;
+}
+
+class EditorHotKeys : public PlatformTest {
+ protected:
+  void SetUp() override {
+    PlatformTest::SetUp();
+    ResetCalibrationState();
+    ResetLinkState();
+    ResetEditCycle();
+    CommonDialog = {};
+    RegisterShellScreens();
+    RegisterEditors();
+    RegisterEditor(OrdinaryEditor());
+    for (Screen* screen : {&programmer_, &monitor_}) screen->build = [](Screen&) {};
+    StandIn(programmer_, "Program_ZEM");
+    StandIn(monitor_, "Monitor1");
+    Main();
+    RunPending();
+    OpenCalibrationFile();
+    PressKey("Alt+P");
+    RunPending();
+    ASSERT_EQ(Top(), "Binj_graph");
+  }
+  void TearDown() override {
+    UnloadAllScreens();
+    PlatformTest::TearDown();
+    ResetCalibrationState();
+    ResetLinkState();
+  }
+  void StandIn(Screen& screen, const char* name) {
+    screen.name = name;
+    screen.on.load = [this](Screen& loaded) { opened_ += loaded.name + " "; };
+    RegisterScreen(name, [&screen] { ShowScreen(screen); });
+  }
+  void OpenCalibrationFile() {
+    path_ = TestFolder() + "/V8.bin";
+    std::vector<float> values(512, 0);
+    values[4] = 6000;
+    values[217] = 8;
+    values[232] = 10;
+    values[233] = 1;
+    values[459] = 1;
+    const auto* bytes = reinterpret_cast<const char*>(values.data());
+    MakeFile(path_, std::string(bytes, 2048));
+    AnswerNextFile(path_);
+    PressKey("Alt+E");
+    RunPending();
+    TakeBox();
+  }
+  static std::string Top() { return TopWorkScreen() ? TopWorkScreen()->name : ""; }
+  Screen& Injectors() { return BinjGraph().screen; }
+  void OpenOrdinary() {
+    PressKey("Esc");
+    RunPending();
+    OpenScreen("KnockCntl");
+    RunPending();
+  }
+
+  std::string path_;
+  std::string opened_;
+
+ private:
+  Screen programmer_;
+  Screen monitor_;
+};
+
+}  // namespace
+
+TEST_F(EditorHotKeys, BackReturnsToTheButtonOfTheCalibrationScreen) {
+  PressKey("Esc");
+  RunPending();
+  EXPECT_EQ(Top(), "CSForm1");
+  EXPECT_EQ(ShownFocus(), "BasicInjectors");
+}
+
+TEST_F(EditorHotKeys, LettersPopUpTheirMenus) {
+  const std::vector<std::pair<const char*, const char*>> menus = {
+      {"Ctrl+C", "mnuCal"}, {"Ctrl+F", "mnuFile"},  {"Ctrl+H", "mnuHelp"},
+      {"Ctrl+O", "mnuCom"}, {"Ctrl+T", "mnuTools"}, {"Ctrl+V", "mnuView"}};
+  for (const auto& [key, menu] : menus) {
+    PressKey(key);
+    EXPECT_EQ(TakePopUpMenu(), menu) << key;
+  }
+}
+
+TEST_F(EditorHotKeys, AreDeadWhileAnEntryIsPending) {
+  TypeText("5");
+  for (const char* key : {"Ctrl+C", "Ctrl+F", "Ctrl+H", "Ctrl+O", "Ctrl+T", "Ctrl+V", "Ctrl+E",
+                          "Ctrl+M", "Ctrl+P", "Ctrl+S", "Ctrl+X", "Ctrl+Z"}) {
+    PressKey(key);
+    RunPending();
+    EXPECT_EQ(Top(), "Binj_graph") << key;
+    EXPECT_EQ(TakePopUpMenu(), "") << key;
+  }
+  EXPECT_EQ(ComPort, 1);
+  EXPECT_EQ(opened_, "");
+  EXPECT_EQ(ShownText(Injectors(), "Text1"), "5");
+}
+
+TEST_F(EditorHotKeys, CtrlEShowsTheCalibrationScreen) {
+  PressKey("Ctrl+E");
+  RunPending();
+  EXPECT_EQ(Top(), "CSForm1");
+  EXPECT_FALSE(Injectors().loaded);
+}
+
+TEST_F(EditorHotKeys, CtrlPOfTheInjectorsFlipsTwoPortsAndSavesNothing) {
+  const std::string saved = GetSetting("Options", "Comport");
+  PressKey("Ctrl+P");
+  EXPECT_EQ(ComPort, 2);
+  EXPECT_EQ(frmMain.statusPanels.at(1), "2");
+  PressKey("Ctrl+P");
+  EXPECT_EQ(ComPort, 1);
+  EXPECT_EQ(GetSetting("Options", "Comport"), saved);
+}
+
+TEST_F(EditorHotKeys, CtrlPOfOtherEditorsStepsFourPortsAndSaves) {
+  OpenOrdinary();
+  for (int port : {2, 3, 4, 1, 2}) {
+    PressKey("Ctrl+P");
+    EXPECT_EQ(ComPort, port);
+    EXPECT_EQ(GetSetting("Options", "Comport"), std::to_string(port));
+  }
+}
+
+TEST_F(EditorHotKeys, CtrlSWritesWhatWasEntered) {
+  TypeText("12.5");
+  PressKey("Enter");
+  EXPECT_TRUE(CalChanged);
+  PressKey("Ctrl+S");
+  RunPending();
+  EXPECT_FALSE(CalChanged);
+  EXPECT_EQ(Top(), "Binj_graph");
+  EXPECT_EQ(BinImage[218], 6);  // 12.5 * 125 / 256 is 6.1
+  EXPECT_TRUE(FileExists(TestFolder() + "/V8.S19"));
+}
+
+TEST_F(EditorHotKeys, CtrlXClosesTheEditorAndEndsTheProgram) {
+  PressKey("Ctrl+X");
+  RunPending();
+  EXPECT_FALSE(Injectors().loaded);
+  EXPECT_FALSE(frmMain.shown);
+}
+
+TEST_F(EditorHotKeys, CtrlZSavesProgramsAndShowsTheMonitor) {
+  TypeText("9");
+  PressKey("Enter");
+  PressKey("Ctrl+Z");
+  RunPending();
+  EXPECT_FALSE(Injectors().loaded);
+  EXPECT_FALSE(CalChanged);
+  EXPECT_EQ(opened_, "Program_ZEM Monitor1 ");
+}
+
+TEST_F(EditorHotKeys, AnotherFileOpenedFromTheMenuShowsInTheEditor) {
+  const std::string other = TestFolder() + "/OTHER.bin";
+  std::vector<float> values(512, 0);
+  values[232] = 21;
+  values[459] = 2;
+  MakeFile(other, std::string(reinterpret_cast<const char*>(values.data()), 2048));
+  ClickOn(Injectors(), "Text8");
+  TypeText("60");
+  PressKey("Enter");
+  EXPECT_EQ(MaxManifoldKpa, 60);
+  CalChanged = false;
+  AnswerNextFile(other);
+  AnswerNextBox(Answer::Yes);
+  ChooseMenu("mnuFileOpen");
+  RunPending();
+  while (AnyBoxShown()) TakeBox();
+  EXPECT_EQ(Top(), "Binj_graph");
+  EXPECT_EQ(ShownText(Injectors(), "Text1"), "21.000");
+  EXPECT_EQ(ShownText(Injectors(), "Text8"), "208");
+}
