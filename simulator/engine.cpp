@@ -31,8 +31,6 @@ double Engine::Noise() {
   return static_cast<double>(x >> 11) / static_cast<double>(1ull << 52) - 1;
 }
 
-// --- what its owner and the control unit do to it ------------------------------------------------
-
 void Engine::AdvanceTo(std::int64_t nowUs) {
   while (timeUs_ + StepUs <= nowUs) {
     timeUs_ += StepUs;
@@ -87,8 +85,6 @@ void Engine::FailSensor(Sensor sensor, bool failed) {
   failed_ = failed ? failed_ | bit : failed_ & ~bit;
   everFailed_ |= failed_;
 }
-
-// --- one step ------------------------------------------------------------------------------------
 
 void Engine::Step() {
   stateS_ += StepS;

@@ -36,8 +36,6 @@ Zem::Zem(ZemSettings settings, const Image& image)
   if (!settings_.paced) toZem_.byteTicks = toPc_.byteTicks = 0;
 }
 
-// --- time ----------------------------------------------------------------------------------------
-
 void Zem::Receive(std::uint8_t byte, std::int64_t nowUs) {
   if (plugged_) toZem_.Put(byte, nowUs * TicksPerUs);
 }
@@ -92,8 +90,6 @@ void Zem::Process(std::int64_t ticks) {
   nowTicks_ = std::max(nowTicks_, ticks);
   engine_.AdvanceTo(nowTicks_ / TicksPerUs);
 }
-
-// --- the line ------------------------------------------------------------------------------------
 
 void Zem::Hear(std::uint8_t byte) {
   if (faults_.Echoes()) toPc_.Put(byte, nowTicks_);
@@ -205,8 +201,6 @@ void Zem::EndWriting() {
   if (mode_ == Mode::Writing) mode_ = Mode::Running;
 }
 
-// --- live data -----------------------------------------------------------------------------------
-
 void Zem::AnswerFrame() {
   if (!Begins("F")) return;
   const LiveBytes frame = engine_.Frame();
@@ -253,8 +247,6 @@ void Zem::AnswerName() {
   Answer("B", text);
 }
 
-// --- run-time offsets ----------------------------------------------------------------------------
-
 void Zem::SetOffset(std::uint8_t code, std::uint8_t value) {
   const std::string command = {'R', static_cast<char>(code)};
   if (!Begins(command, Hex({value}))) return;
@@ -292,8 +284,6 @@ void Zem::SetOffset(std::uint8_t code, std::uint8_t value) {
   }
   AnswerAccepted(command);
 }
-
-// --- memory --------------------------------------------------------------------------------------
 
 void Zem::OpenProgramming() {
   if (!Begins("P1")) return;
@@ -372,8 +362,6 @@ void Zem::Refuse(std::string_view command) {
   Answer(command, "PR");
 }
 
-// --- replies -------------------------------------------------------------------------------------
-
 void Zem::AnswerAccepted(std::string_view command) {
   Answer(command, settings_.oldProm ? "AV" : "AX");
 }
@@ -387,8 +375,6 @@ void Zem::Answer(std::string_view command, std::vector<std::uint8_t> bytes) {
   const std::int64_t readyTicks = nowTicks_ + reply.delayUs * TicksPerUs;
   for (std::uint8_t byte : reply.bytes) toPc_.Put(byte, readyTicks);
 }
-
-// --- what the owner does -------------------------------------------------------------------------
 
 bool Zem::Fail(std::string_view fault) {
   if (fault == "clear") return ClearFaults(), true;

@@ -15,8 +15,6 @@ using sim::Image;
 using sim::LiveBytes;
 using namespace std::string_literals;
 
-// --- idle ----------------------------------------------------------------------------------------
-
 TEST(EngineIdle, SettlesNearTheTarget) {
   Bench bench;
   bench.Run(20);
@@ -61,8 +59,6 @@ TEST(EngineIdle, ReturnsAfterABlip) {
   EXPECT_NEAR(bench.Mean(5, ErpmOf), 750, 30);
 }
 
-// --- warm-up -------------------------------------------------------------------------------------
-
 TEST(EngineWarmUp, CoolantRisesToTheThermostatAndEnrichmentFalls) {
   Bench bench;
   bench.engine.SetCoolant(0);
@@ -96,8 +92,6 @@ TEST(EngineWarmUp, TheLoopOpensBelowTheProgrammedCoolant) {
   bench.Run(8);
   EXPECT_EQ(bench.engine.Frame()[17], 0);
 }
-
-// --- throttle ------------------------------------------------------------------------------------
 
 TEST(EngineThrottle, OpensManifoldAndSpeedAndTheSensorFollows) {
   Bench bench;
@@ -155,8 +149,6 @@ TEST(EngineThrottle, TheDriveVisitsIdleAndHighSpeedAndNeverStalls) {
   EXPECT_GT(highest, 5000);
 }
 
-// --- limits --------------------------------------------------------------------------------------
-
 double HighestRpm(Bench& bench) {
   bench.engine.driver.Hold(100);
   double highest = 0;
@@ -210,8 +202,6 @@ TEST(EngineRevLimit, DisabledLetsItRunHigher) {
   Bench bench(With({{0, 0xF8 & ~8}}));
   EXPECT_GT(HighestRpm(bench), 6000);
 }
-
-// --- output, battery, sensors --------------------------------------------------------------------
 
 TEST(EngineOutput, FollowsTheDutyTableAndItsOffset) {
   Image image = sim::DefaultImage();
@@ -283,8 +273,6 @@ TEST(EngineSensors, AFailedOneShowsItsDefaultAndIsRemembered) {
   EXPECT_EQ(bench.engine.Frame()[16], 127 - 1 - 4 - 64);
 }
 
-// --- starting and stopping -----------------------------------------------------------------------
-
 TEST(EngineState, KilledItStopsAndTheDriverStartsItAgain) {
   Exchange pc;
   pc.Ask("K");
@@ -345,8 +333,6 @@ TEST(EngineState, AnyImageGivesFrames) {
   }
 }
 
-// --- memory writes -------------------------------------------------------------------------------
-
 TEST(EngineMemory, AWriteActsAtOnce) {
   Exchange pc;
   pc.Ask("P2");
@@ -385,8 +371,6 @@ TEST(EngineMemory, PowerCyclingLosesTheOffsetsAndKeepsTheMemory) {
   EXPECT_EQ(pc.zem.Memory()[0x40], 77);
   EXPECT_EQ(pc.zem.Motor().Now(), Engine::State::Cranking);
 }
-
-// --- bytes ---------------------------------------------------------------------------------------
 
 TEST(EngineBytes, FrameCarriesTheEngineInItsScales) {
   Bench bench;

@@ -21,8 +21,6 @@ Exchange With(std::string_view fault) {
   return pc;
 }
 
-// --- names ---------------------------------------------------------------------------------------
-
 TEST(FaultNames, EveryRowIsParsedByItsName) {
   std::set<Fault> seen;
   for (const sim::FaultRow& row : sim::FaultRows()) {
@@ -54,8 +52,6 @@ TEST(FaultNames, WhatIsNoFaultIsRefused) {
     EXPECT_FALSE(zem.Fail(text)) << text;
   }
 }
-
-// --- each fault ----------------------------------------------------------------------------------
 
 TEST(Faults, SilentHearsNothing) {
   Exchange pc = With("silent");

@@ -15,8 +15,6 @@ using sim::Image;
 using sim::LiveBytes;
 using namespace std::string_literals;
 
-// --- fuel ----------------------------------------------------------------------------------------
-
 double MeanPulse(Exchange& pc) {
   double sum = 0;
   for (int i = 0; i < 100; ++i) {
@@ -196,8 +194,6 @@ TEST(EngineFuel, VeTableByteMovesThePulse) {
   }
   EXPECT_GT(MeanPulse(pc), before * 1.1);
 }
-
-// --- exhaust feedback ----------------------------------------------------------------------------
 
 TEST(EngineEgo, SwingsAroundStoichiometricInClosedLoop) {
   Bench bench;

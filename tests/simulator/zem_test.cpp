@@ -13,8 +13,6 @@ using sim::Image;
 using sim::Zem;
 using namespace std::string_literals;
 
-// --- live link -----------------------------------------------------------------------------------
-
 TEST(ZemCommands, LinkTestIsAnsweredAX) {
   Exchange pc;
   EXPECT_EQ(pc.Ask("E"), "AX");
@@ -94,8 +92,6 @@ TEST(ZemCommands, ShortVersionEndsInZero) {
   EXPECT_EQ(pc.Ask("B").substr(14), "201\0\0"s);
 }
 
-// --- run-time offsets ----------------------------------------------------------------------------
-
 TEST(ZemOffsets, EveryCodeIsAcceptedWithAnyValue) {
   Exchange pc{.zem = Zem({.paced = false})};
   for (char code : "3456789OU"s) {
@@ -156,8 +152,6 @@ TEST(ZemOffsets, APauseInsideACommandIsNoSilence) {
   pc.nowUs = 200'000;
   EXPECT_EQ(pc.Ask("\x10"), "AX");
 }
-
-// --- memory write --------------------------------------------------------------------------------
 
 TEST(ZemWrite, OneByteIsInAfterTheEndRecord) {
   Exchange pc;
@@ -231,8 +225,6 @@ TEST(ZemWrite, TheEngineRunsOn) {
   EXPECT_EQ(pc.zem.Motor().Now(), sim::Engine::State::Running);
   EXPECT_GT(pc.zem.Motor().Rpm(), 600);
 }
-
-// --- programming ---------------------------------------------------------------------------------
 
 Image Counting() {
   Image image;
