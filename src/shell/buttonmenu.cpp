@@ -1,6 +1,8 @@
 // Screens that consist of buttons.
 #include "shell/buttonmenu.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -8,47 +10,67 @@
 
 namespace {
 
-// What the arrow keys stop at, in order.
-std::vector<Control*> Stops(Screen& screen) {
+// Wide enough for the longest caption, so that all buttons of a screen are of one width.
+constexpr int buttonChars = 34;
+constexpr double buttonFontScale = 1.15;
+
+bool InRow(Screen& screen, std::string_view container) {
+  const Control* found = Find(screen, container);
+  return found && found->kind == ControlKind::Row;
+}
+
+// The group beside the one in which the control stands, or null.
+const Control* GroupBeside(Screen& screen, const Control& from, int step) {
+  const Control* own = Find(screen, from.place.in);
+  if (!own || own->kind != ControlKind::Group) return nullptr;
+  for (const Control& other : screen.controls)
+    if (other.kind == ControlKind::Group && other.place.in == own->place.in &&
+        other.place.row == own->place.row && other.place.column == own->place.column + step)
+      return &other;
+  return nullptr;
+}
+
+std::vector<Control*> StopsIn(Screen& screen, const std::string& container) {
   std::vector<Control*> stops;
   for (Control& control : screen.controls)
-    if (control.kind == ControlKind::Button && IsUsable(control)) stops.push_back(&control);
+    if (control.kind == ControlKind::Button && control.place.in == container && IsShown(control))
+      stops.push_back(&control);
   return stops;
 }
 
-int PlaceOf(const std::vector<Control*>& stops, const Control* control) {
-  for (std::size_t i = 0; i < stops.size(); ++i)
-    if (stops[i] == control) return static_cast<int>(i);
-  return -1;
-}
-
-// The control as far down its container as the focused one is in its own, in the next container.
-Control* Beside(const std::vector<Control*>& stops, const Control& from, int step) {
-  std::vector<std::string> groups;
-  for (const Control* stop : stops)
-    if (groups.empty() || groups.back() != stop->place.in) groups.push_back(stop->place.in);
-  int group = 0;
-  while (groups[static_cast<std::size_t>(group)] != from.place.in) ++group;
-  const int target = group + step;
-  if (target < 0 || target >= static_cast<int>(groups.size())) return nullptr;
-  std::vector<Control*> here, there;
-  for (Control* stop : stops) {
-    if (stop->place.in == from.place.in) here.push_back(stop);
-    if (stop->place.in == groups[static_cast<std::size_t>(target)]) there.push_back(stop);
+// The usable button in the group that stands nearest to the height of this one in its own.
+Control* Nearest(Screen& screen, const Control& from, const std::string& group) {
+  const std::vector<Control*> here = StopsIn(screen, from.place.in);
+  const auto height = std::find(here.begin(), here.end(), &from) - here.begin();
+  Control* nearest = nullptr;
+  std::ptrdiff_t best = 0, at = 0;
+  for (Control* stop : StopsIn(screen, group)) {
+    const std::ptrdiff_t distance = std::abs(at++ - height);
+    if (!IsUsable(*stop) || (nearest && distance >= best)) continue;
+    nearest = stop;
+    best = distance;
   }
-  const auto row = static_cast<std::size_t>(PlaceOf(here, &from));
-  return row < there.size() ? there[row] : there.back();
+  return nearest;
 }
 
 }  // namespace
+
+void AddButtonGroup(Screen& screen, const std::string& name, const std::string& caption, int row,
+                    int column) {
+  Add(screen, {.name = name,
+               .kind = ControlKind::Group,
+               .caption = caption,
+               .place = {.in = "Groups", .row = row, .column = column}});
+}
 
 void AddButtons(Screen& screen, std::span<const ButtonRow> rows) {
   for (const ButtonRow& row : rows)
     Add(screen, {.name = std::string(row.name),
                  .kind = ControlKind::Button,
                  .caption = std::string(row.caption),
-                 .place = {.in = std::string(row.group), .align = Align::Fill},
-                 .textAlign = Align::Left,
+                 .place = {.in = std::string(row.group)},
+                 .widthChars = InRow(screen, row.group) ? 0 : buttonChars,
+                 .fontScale = buttonFontScale,
                  .icon = std::string(row.icon)});
 }
 
@@ -71,8 +93,9 @@ bool RunButton(std::span<const ButtonRow> rows, const Control& button) {
 void WalkButtons(Screen& screen, KeyEvent& event) {
   const bool sideways = event.key == KeyLeft || event.key == KeyRight;
   if (!sideways || event.ctrl || event.alt || event.shift || !screen.focus) return;
-  const std::vector<Control*> stops = Stops(screen);
-  if (PlaceOf(stops, screen.focus) < 0) return;
+  const Control* own = Find(screen, screen.focus->place.in);
+  if (screen.focus->kind != ControlKind::Button || !own || own->kind != ControlKind::Group) return;
   event.handled = true;
-  if (Control* to = Beside(stops, *screen.focus, event.key == KeyLeft ? -1 : 1)) SetFocus(*to);
+  const Control* group = GroupBeside(screen, *screen.focus, event.key == KeyLeft ? -1 : 1);
+  if (Control* to = group ? Nearest(screen, *screen.focus, group->name) : nullptr) SetFocus(*to);
 }

@@ -36,20 +36,13 @@ constexpr std::array<CalibrationRow, 13> rows = {{
     {{"IdleSpeed", "&Idle Speed", "Ignition", {"IdleSpd"}}, true},
     {{"GpoControl", "&GPO Control", "Unit", {"GPO_Ctl"}}, true},
     {{"SensorParameters", "&Sensor Parameters", "Unit", {"Sensors"}}, false},
-    {{"SoftwareDiagram", "Software &Diagram", "Unit", {"Soft_Dia"}}, false},
-    {{"SaveBinAs", "Save &Bin File As", "Unit", {.run = SaveAs}}, true},
+    {{"SoftwareDiagram", "Software &Diagram", "File", {"Soft_Dia"}}, false},
+    {{"SaveBinAs", "Save &Bin File As", "File", {.run = SaveAs}}, true},
     {{"Command1", "<< Back", "Leaving", {.run = BackToMainMenu}}, true},
 }};
 
 constexpr int quick = -1;
 constexpr int advanced = 0;
-
-void AddGroup(Screen& screen, const char* name, const char* caption) {
-  Add(screen, {.name = name,
-               .kind = ControlKind::Group,
-               .caption = caption,
-               .place = {.in = "Columns", .stretch = 1}});
-}
 
 void AddMode(Screen& screen, const char* name, const char* caption) {
   Add(screen, {.name = name,
@@ -65,11 +58,14 @@ void Build(Screen& screen) {
                .textAlign = Align::Centre,
                .fontScale = 1.3,
                .bold = true});
-  Add(screen, {.name = "Columns", .kind = ControlKind::Row});
-  AddGroup(screen, "Fuel", "Fuel");
-  AddGroup(screen, "Ignition", "Ignition and Idle");
-  AddGroup(screen, "Unit", "Outputs, Sensors and File");
-  Add(screen, {.name = "Leaving", .kind = ControlKind::Row});
+  Add(screen, {.name = "Groups", .kind = ControlKind::Grid, .place = {.align = Align::Centre}});
+  AddButtonGroup(screen, "Fuel", "Fuel", 0, 0);
+  AddButtonGroup(screen, "Ignition", "Ignition and Idle", 0, 1);
+  AddButtonGroup(screen, "Unit", "Output and Sensors", 1, 0);
+  AddButtonGroup(screen, "File", "Program and File", 1, 1);
+  Add(screen, {.name = "Leaving",
+               .kind = ControlKind::Row,
+               .place = {.in = "Groups", .row = 2, .column = 0, .columnSpan = 2}});
   for (const CalibrationRow& row : rows) AddButtons(screen, {&row.button, 1});
   Add(screen,
       {.name = "Rest", .kind = ControlKind::Spacer, .place = {.in = "Leaving", .stretch = 1}});

@@ -59,6 +59,12 @@ void LoadWizardTemplate(WizardStart start) {
   LoadBaseCalibration();
 }
 
+// The screen stays up with its result until the user leaves it; broken off, it has gone already.
+void ComeBackFromProgramming() {
+  if (FindLoaded("Program_ZEM")) return;
+  if (!AnythingUp() || TopWorkScreen() == &Form1) ShowMainMenu("ProgramZem");
+}
+
 void ShowDigitalMonitor() {
   if (!TopWorkScreen()) ShowMainMenu("ViewMonitor");
   MonitorMode = 3;
@@ -98,10 +104,7 @@ void ViewMonitor() {
 void ProgramZem() {
   if (RefusedWhileLive() || RefusedWhilePortHeld()) return;
   LeaveWork();
-  OpenLive("Program_ZEM", [] {
-    UnloadNamed("Program_ZEM");
-    if (!AnythingUp()) ShowMainMenu("ProgramZem");
-  });
+  OpenLive("Program_ZEM", ComeBackFromProgramming);
 }
 
 void CreateDatalog() {

@@ -46,19 +46,12 @@ constexpr std::array<ButtonRow, 11> rows = {{
 }};
 
 void Build(Screen& screen) {
-  Add(screen, {.name = "Columns", .kind = ControlKind::Row});
-  Add(screen, {.name = "Calibration",
-               .kind = ControlKind::Group,
-               .caption = "Calibration",
-               .place = {.in = "Columns", .stretch = 1}});
-  Add(screen, {.name = "Engine",
-               .kind = ControlKind::Group,
-               .caption = "Engine",
-               .place = {.in = "Columns", .stretch = 1}});
+  Add(screen, {.name = "Groups", .kind = ControlKind::Grid, .place = {.align = Align::Centre}});
+  AddButtonGroup(screen, "Calibration", "Calibration", 0, 0);
+  AddButtonGroup(screen, "Engine", "Engine", 0, 1);
   Add(screen, {.name = "Program",
-               .kind = ControlKind::Group,
-               .caption = "Program",
-               .place = {.in = "Columns", .stretch = 1}});
+               .kind = ControlKind::Row,
+               .place = {.in = "Groups", .row = 1, .column = 0, .columnSpan = 2}});
   AddButtons(screen, rows);
 }
 

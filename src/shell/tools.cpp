@@ -22,10 +22,14 @@ constexpr std::array<ButtonRow, 5> rows = {{
 }};
 
 void Build(Screen& screen) {
-  Add(screen, {.name = "Tools", .kind = ControlKind::Group, .caption = "Software Tools"});
-  Add(screen, {.name = "Leaving", .kind = ControlKind::Row});
+  Add(screen, {.name = "Groups", .kind = ControlKind::Grid, .place = {.align = Align::Centre}});
+  AddButtonGroup(screen, "Tools", "Software Tools", 0, 0);
+  Add(screen, {.name = "Leaving",
+               .kind = ControlKind::Row,
+               .place = {.in = "Groups", .row = 1, .column = 0}});
   AddButtons(screen, rows);
-  Add(screen, {.name = "Rest", .kind = ControlKind::Spacer, .place = {.in = "Leaving"}});
+  Add(screen,
+      {.name = "Rest", .kind = ControlKind::Spacer, .place = {.in = "Leaving", .stretch = 1}});
 }
 
 // It may have been left while the guide was open.

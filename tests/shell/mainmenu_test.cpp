@@ -201,8 +201,7 @@ TEST_F(MainMenuTest, ButtonsComeBackWhenTheOnflySessionHasEnded) {
   EXPECT_TRUE(ShownEnabled(Form1, "ProgramZem"));
 }
 
-TEST_F(MainMenuTest, ProgrammingComesBackToItsButton) {
-  StandIn("Program_ZEM");
+TEST_F(MainMenuTest, ProgrammingBrokenOffComesBackToItsButton) {
   RegisterScreen("Program_ZEM", [this] {
     EXPECT_EQ(Top(), "");
     EXPECT_EQ(YieldDepth(), 0);
@@ -213,6 +212,24 @@ TEST_F(MainMenuTest, ProgrammingComesBackToItsButton) {
   EXPECT_FALSE(Form1.loaded);
   RunPending();
   EXPECT_EQ(TakeNotes(), "programmed");
+  EXPECT_EQ(Top(), "Form1");
+  EXPECT_EQ(ShownFocus(), "ProgramZem");
+}
+
+TEST_F(MainMenuTest, ProgrammingStaysUpWithItsResult) {
+  StandIn("Program_ZEM");
+  Start();
+  ClickOn(Form1, "ProgramZem");
+  RunPending();
+  EXPECT_EQ(TakeNotes(), "+Program_ZEM");
+  EXPECT_EQ(Top(), "Program_ZEM");
+}
+
+TEST_F(MainMenuTest, AMenuThatProgrammingBroughtBackGetsTheFocusOnItsButton) {
+  RegisterScreen("Program_ZEM", [] { OpenScreen("Form1"); });
+  Start();
+  ClickOn(Form1, "ProgramZem");
+  RunPending();
   EXPECT_EQ(Top(), "Form1");
   EXPECT_EQ(ShownFocus(), "ProgramZem");
 }
@@ -376,15 +393,25 @@ TEST_F(MainMenuTest, ArrowsWalkTheButtonsDownAndAcross) {
   PressKey("Right");
   EXPECT_EQ(ShownFocus(), "CreateDatalog");
   PressKey("Right");
-  EXPECT_EQ(ShownFocus(), "UsersGuide");
-  PressKey("Right");
-  EXPECT_EQ(ShownFocus(), "UsersGuide");
-  PressKey("Left");
   EXPECT_EQ(ShownFocus(), "CreateDatalog");
   PressKey("Up");
   EXPECT_EQ(ShownFocus(), "ViewMonitor");
   PressKey("Left");
   EXPECT_EQ(ShownFocus(), "EditCalibration");
+}
+
+TEST_F(MainMenuTest, TheNearestButtonThatIsOnIsTheOneBeside) {
+  StandIn("Choose");
+  StandIn("Datpara");
+  Start();
+  SetFocus(At(Form1, "AutoCalibrate"));
+  PressKey("Right");
+  EXPECT_EQ(ShownFocus(), "CreateDatalog");
+  PressKey("Left");
+  EXPECT_EQ(ShownFocus(), "EditCalibration");
+  SetFocus(At(Form1, "SoftwareTools"));
+  PressKey("Right");
+  EXPECT_EQ(ShownFocus(), "UsersGuide");
 }
 
 }  // namespace

@@ -1,0 +1,12 @@
+// The program: every screen is registered by its name, then it starts.
+#include "editors/editors.h"
+#include "platform/loop.h"
+#include "shell/start.h"
+
+int main(int argc, char** argv) {
+  StartPlatform(argc, argv);
+  RegisterShellScreens();
+  RegisterEditors();
+  Main();
+  return RunProgram();
+}
