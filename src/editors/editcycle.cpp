@@ -51,14 +51,20 @@ Control& ControlOf(Editor& editor, const EditorList& row) {
   return *editor.listControls[static_cast<std::size_t>(&row - editor.lists.data())];
 }
 
-bool PendingHere(int number) { return EntryPending == 1 && ActiveField == number; }
+bool PendingHere(const Editor& editor, const EditorField& row) {
+  return EntryPending == 1 && ActiveField == row.number && !editor.listIsActive;
+}
+
+bool PendingHere(const Editor& editor, const EditorList& row) {
+  return EntryPending == 1 && ActiveField == row.number && editor.listIsActive;
+}
 
 // ---- redraw -------------------------------------------------------------------------------------
 
 void RedrawField(Editor& editor, const EditorField& row) {
   Control& control = ControlOf(editor, row);
   SetBackColour(control, RestColour(editor, row));
-  if (PendingHere(row.number)) return;
+  if (PendingHere(editor, row)) return;
   std::string text = TextOfField(row);
   if (control.text == text) return;
   SetText(control, std::move(text));
@@ -67,7 +73,7 @@ void RedrawField(Editor& editor, const EditorField& row) {
 }
 
 void RedrawList(Editor& editor, const EditorList& row) {
-  if (!row.index || PendingHere(row.number)) return;
+  if (!row.index || PendingHere(editor, row)) return;
   Control& control = ControlOf(editor, row);
   SetListIndex(control, row.index());
   editor.shownIndex[static_cast<std::size_t>(&row - editor.lists.data())] = control.listIndex;
@@ -95,7 +101,7 @@ std::string Masked(const EditorField& row, const std::string& text) {
 void AfterRefused(Editor& editor, const EditorField& row) {
   switch (row.afterRefusal) {
     case AfterRefusal::HoldFocus:
-      ActiveField = row.number;
+      Activate(editor, row);
       EntryPending = 1;
       reinit(editor);
       break;
@@ -112,7 +118,7 @@ void AfterRefused(Editor& editor, const EditorField& row) {
 }
 
 void Refuse(Editor& editor, const EditorField& row, const std::string& message) {
-  MsgBox(message);
+  MsgBox(message, Buttons::Ok, row.refusalTitle);
   if (StillUp(editor)) AfterRefused(editor, row);
 }
 
@@ -203,6 +209,16 @@ void ChooseOption(int mask, bool on) {
 
 // ---- focus --------------------------------------------------------------------------------------
 
+void Activate(Editor& editor, const EditorField& row) {
+  ActiveField = row.number;
+  editor.listIsActive = false;
+}
+
+void Activate(Editor& editor, const EditorList& row) {
+  ActiveField = row.number;
+  editor.listIsActive = true;
+}
+
 void GotFocusStep(Editor& editor, const EditorField& row) {
   if (EntryPending == 1) {
     reinit(editor);
@@ -211,13 +227,14 @@ void GotFocusStep(Editor& editor, const EditorField& row) {
   Control& control = ControlOf(editor, row);
   ColourLabel(editor, row.label, highlight);
   SelectText(control, 0, static_cast<int>(control.text.size()));
-  ActiveField = row.number;
+  Activate(editor, row);
+  if (editor.focused) editor.focused(editor, row);
 }
 
 void LostFocusStep(Editor& editor, const EditorField& row) {
   if (EntryPending == 1) return;
   if (row.leaving) {
-    ActiveField = row.number;
+    Activate(editor, row);
     row.leaving(editor, row);
   }
   SetBackColour(ControlOf(editor, row), RestColour(editor, row));
@@ -225,12 +242,12 @@ void LostFocusStep(Editor& editor, const EditorField& row) {
 }
 
 void GotFocusStep(Editor& editor, const EditorList& row) {
-  if (EntryPending == 1 && ActiveField != row.number) {
+  if (EntryPending == 1 && !PendingHere(editor, row)) {
     reinit(editor);
     return;
   }
   ColourLabel(editor, row.label, highlight);
-  ActiveField = row.number;
+  Activate(editor, row);
 }
 
 void LostFocusStep(Editor& editor, const EditorList& row) {
@@ -238,7 +255,8 @@ void LostFocusStep(Editor& editor, const EditorList& row) {
 }
 
 void reinit(Editor& editor) {
-  if (const EditorField* row = RowOfField(editor, ActiveField)) {
+  const EditorField* row = editor.listIsActive ? nullptr : RowOfField(editor, ActiveField);
+  if (row) {
     Control& control = ControlOf(editor, *row);
     ColourLabel(editor, row->label, highlight);
     if (editor.reinit) editor.reinit(editor, *row);
@@ -303,7 +321,7 @@ void PressEnter(Editor& editor, const EditorField& row) {
 
 void EnterText(Editor& editor, const EditorField& row, const std::string& text) {
   SetText(ControlOf(editor, row), text);
-  ActiveField = row.number;
+  Activate(editor, row);
   PressEnter(editor, row);
 }
 
@@ -331,6 +349,7 @@ void EditorLoaded(Editor& editor) {
   EntryPending = 0;
   EnterPressed = 0;
   ActiveField = editor.fields.empty() ? 0 : editor.fields.front().number;
+  editor.listIsActive = false;
   HelpScreen = editor.name;
   loadedEditors.push_back(&editor);
   RefreshActiveEditor = [] {

@@ -57,6 +57,7 @@ struct Editor {
   void (*keys)(Editor&, KeyEvent&) = nullptr;    // keys of the screen; nothing is pending
   void (*leave)(Editor&) = nullptr;              // before Back closes the screen
   void (*click)(Editor&, Control&) = nullptr;    // controls that no row names
+  void (*focused)(Editor&, const EditorField&) = nullptr;  // the field has got the focus
   // Back colour of a field at rest; null is the window's, yellow for ONFLY fields in a session.
   Colour (*fieldColour)(Editor&, const EditorField&) = nullptr;
 
@@ -72,6 +73,7 @@ struct Editor {
   std::vector<Control*> fieldControls;  // by row
   std::vector<Control*> listControls;
   std::vector<int> shownIndex;  // of each list, as last shown
+  bool listIsActive = false;    // ActiveField is a list's number; a field may have the same one
 };
 
 // Fills the screen's record from the rows and connects its events. Once for each editor.

@@ -41,7 +41,7 @@ void ListMoved(Editor& editor, const EditorList& row, Control& control, int inde
   last = control.listIndex;
   if (row.movingIsChange) CalChanged = true;
   EntryPending = 1;
-  ActiveField = row.number;
+  Activate(editor, row);
   SetFocus(control);
 }
 
@@ -55,7 +55,7 @@ void ListArrow(Editor& editor, const EditorList& row, Control& control, int key)
 
 void ListEnter(Editor& editor, const EditorList& row, Control& control) {
   EntryPending = 0;
-  ActiveField = row.number;
+  Activate(editor, row);
   if (row.enter) row.enter(editor, row, control.listIndex);
   if (StillUp(editor) && row.redrawsOnEnter) Redraw(editor);
 }
@@ -88,7 +88,7 @@ void JudgeKey(Editor& editor, const EditorField& row, KeyPress& press) {
   const int character = press.character;
   if (IsDigit(character)) {
     EntryPending = 1;
-    ActiveField = row.number;
+    Activate(editor, row);
     return;
   }
   if (PassesSilently(row, character)) return;
@@ -237,7 +237,7 @@ void ClickedRow(Editor& editor, const Editor::Place& place, Control& control) {
 
 void Clicked(Editor& editor, Control& control) {
   const Editor::Place* place = PlaceOf(editor, control);
-  const bool pendingList = place && place->kind == Kind::List && ListAt(editor, &control) &&
+  const bool pendingList = place && place->kind == Kind::List && editor.listIsActive &&
                            editor.lists[place->row].number == ActiveField;
   if (EntryPending == 1 && !pendingList)
     reinit(editor);

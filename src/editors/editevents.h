@@ -4,6 +4,10 @@
 
 #include "editors/editcycle.h"
 
+// The field or list takes ActiveField.
+void Activate(Editor& editor, const EditorField& row);
+void Activate(Editor& editor, const EditorList& row);
+
 void GotFocusStep(Editor& editor, const EditorField& row);
 void LostFocusStep(Editor& editor, const EditorField& row);
 void GotFocusStep(Editor& editor, const EditorList& row);

@@ -67,8 +67,9 @@ struct EditorField {
   bool takesMinus = false;
   Bound low = 0;  // both ends are inside
   Bound high = 0;
-  Words rangeText;       // second line of the message
-  Words refusal;         // whole message instead of "Data Input Error" and the range text
+  Words rangeText;           // second line of the message
+  Words refusal;             // whole message instead of "Data Input Error" and the range text
+  std::string refusalTitle;  // of the box that refuses
   bool asTyped = false;  // the stored value is reckoned from the number before the mask rounds it
   int widthChars = 9;
   AfterRefusal afterRefusal = AfterRefusal::Reinit;

@@ -1,0 +1,3 @@
+#include "editors/graphcaption.h"
+
+GraphHandOver Graph3DCaption;
