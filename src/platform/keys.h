@@ -47,6 +47,7 @@ struct KeyEvent {
   bool shift = false;
   bool keypad = false;
   int character = 0;     // what a text would get (Unicode), 0 when none, and with Ctrl or Alt
+  bool repeat = false;   // a key that is held down, not pressed anew
   bool handled = false;  // set by a routine: nobody else sees the key
 };
 

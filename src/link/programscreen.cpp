@@ -1,0 +1,135 @@
+// The screen `Program_ZEM`.
+#include "link/programscreen.h"
+
+#include <string>
+#include <utility>
+
+#include "core/globalstate.h"
+#include "core/s19file.h"
+#include "core/version.h"
+#include "link/programmer.h"
+
+namespace {
+
+struct LabelRow {
+  const char* name;
+  const char* in;
+  bool bold;
+};
+constexpr LabelRow titleLabels[] = {
+    {"FileLine", "", true}, {"SoftwareLine", "", false}, {"PromLine", "", false},
+    {"Version", "", false}, {"Progress", "", true},
+};
+
+Control CentredLabel(std::string name, bool bold) {
+  return {.name = std::move(name),
+          .kind = ControlKind::Label,
+          .place = {.align = Align::Centre},
+          .textAlign = Align::Centre,
+          .bold = bold};
+}
+
+void AddCounter(Screen& screen, const char* name, const char* caption) {
+  Add(screen, {.name = std::string(name) + "Caption",
+               .kind = ControlKind::Label,
+               .caption = caption,
+               .place = {.in = "Counters"}});
+  Add(screen, {.name = name,
+               .kind = ControlKind::Label,
+               .place = {.in = "Counters"},
+               .widthChars = 4,
+               .textAlign = Align::Right,
+               .framed = true});
+}
+
+void Build(Screen& screen) {
+  Add(screen, {.name = "Above", .kind = ControlKind::Spacer});
+  for (const LabelRow& row : titleLabels) Add(screen, CentredLabel(row.name, row.bold));
+  At(screen, "FileLine").wrap = true;
+  Add(screen, {.name = "Counters", .kind = ControlKind::Row, .place = {.align = Align::Centre}});
+  AddCounter(screen, "Record", "Record");
+  AddCounter(screen, "Pass", "Pass");
+  Add(screen, {.name = "Bar",
+               .kind = ControlKind::ProgressBar,
+               .place = {.in = "Counters"},
+               .widthChars = 40,
+               .accessibleName = "Programmed"});
+  Add(screen, CentredLabel("Result", true));
+  Add(screen, CentredLabel("Hint", false));
+  Add(screen, {.name = "Below", .kind = ControlKind::Spacer});
+  Add(screen, {.name = "Command1",
+               .kind = ControlKind::Button,
+               .caption = "<< Back",
+               .place = {.align = Align::Left}});
+}
+
+// A key that is only held down belongs to what opened the screen, and a modifier to a key or menu
+// that is still to come.
+bool IsAnyKey(const KeyEvent& event) {
+  const bool modifier =
+      event.key == KeyShift || event.key == KeyControl || event.key == KeyAlt || event.alt;
+  return !modifier && !event.repeat && event.key != KeyNone;
+}
+
+void ProgramKey(Screen&, KeyEvent& event) {
+  if (event.repeat) event.handled = true;
+  if (!IsAnyKey(event)) return;
+  event.handled = true;
+  LeaveProgram_ZEM();
+}
+
+void SetLabel(const char* name, std::string text) {
+  if (!Program_ZEM.loaded || Program_ZEM.closing) return;
+  if (Control* label = Find(Program_ZEM, name)) SetCaption(*label, std::move(text));
+}
+
+void SetBar(std::int64_t value, std::int64_t maximum) {
+  if (!Program_ZEM.loaded || Program_ZEM.closing) return;
+  SetValue(At(Program_ZEM, "Bar"), static_cast<int>(value), static_cast<int>(maximum));
+}
+
+}  // namespace
+
+Screen Program_ZEM{.name = "Program_ZEM",
+                   .title = "Program ZEM",
+                   .build = Build,
+                   .on = {.unload = [](Screen&) { StopProgramming(); },
+                          .keyDown = ProgramKey,
+                          .click =
+                              [](Screen&, Control& control) {
+                                if (control.name == "Command1") LeaveProgram_ZEM();
+                              }},
+                   .cancelButton = "Command1",
+                   .defaultFocus = "Command1"};
+
+void ShowTitle() {
+  SetLabel("FileLine", "Filename " + S19Path(CurrentBinPath) + " is for use with calibration");
+  SetLabel("SoftwareLine", "software version = Halvane2");
+  SetLabel("PromLine", "and ZEM PROM version HV201xx    Using COM" + std::to_string(ComPort));
+  SetLabel("Version", VersionNumberText());
+  SetLabel("Progress", "*************** PROGRAMING ZEM ***************");
+  for (const char* name : {"Record", "Pass", "Result", "Hint"}) SetLabel(name, "");
+  SetBar(0, 100);
+}
+
+void ShowRecord(int record, int pass, std::int64_t position, std::int64_t length) {
+  SetLabel("Record", std::to_string(record));
+  SetLabel("Pass", std::to_string(pass));
+  SetBar(position, length);
+}
+
+void ShowResult(bool verified) {
+  SetLabel("Result", verified ? "*************** PROGRAM VERIFIED ***************"
+                              : "*************** CHECKSUM ERROR ***************");
+  if (!Program_ZEM.loaded || Program_ZEM.closing) return;
+  SetForeColour(At(Program_ZEM, "Result"), verified ? Green : Red);
+  if (verified) SetBar(100, 100);
+}
+
+void ShowExitHint() { SetLabel("Hint", "Press any key to exit."); }
+
+void LeaveProgram_ZEM() {
+  const bool forAnEditor = KillFirst;
+  UnloadScreen(Program_ZEM);
+  if (!forAnEditor && !TopWorkScreen()) OpenScreen("Form1");
+}
