@@ -31,9 +31,9 @@ struct TableRow {
 };
 const TableRow rows[] = {
     {VeWork, 124, 100, {1, 50, -50}, "frmVETable", "VEGraph"},
-    {GpoWork, 260, 1, {1, 100, 0}, "GPO_Ctl", "GPOGraph"},
-    {AdvanceWork, 60, 1, {1, 60, 0}, "Ign_adv_tbl", "ADVGraph"},
-    {AfrWork, 344, 1, {0.01, 19.14, 10.14}, "EGO_AF_TBL", "EGOGraph"},
+    {GpoWork, 260, 1, {1, 100, 0}, "GPO_Ctl", "Command1"},
+    {AdvanceWork, 60, 1, {1, 60, 0}, "Ign_adv_tbl", "Command1"},
+    {AfrWork, 344, 1, {0.01, 19.14, 10.14}, "EGO_AF_TBL", "Command2"},
 };
 
 const TableRow& RowOf(int table) { return rows[std::clamp(table, 0, 3)]; }
@@ -97,7 +97,7 @@ bool TakeKey(const KeyEvent& event) {
   return true;
 }
 
-void KeyDown(Screen&, KeyEvent& event) {
+void TakeKeyDown(Screen&, KeyEvent& event) {
   if (event.key == KeyShift || event.key == KeyControl) return;
   if (event.key == KeyF1) {
     event.handled = true;
@@ -208,7 +208,7 @@ void RegisterGraph3D() {
   Graph3D.build = Build;
   Graph3D.on = {};
   Graph3D.on.load = Load;
-  Graph3D.on.keyDown = KeyDown;
+  Graph3D.on.keyDown = TakeKeyDown;
   Graph3D.on.resized = Resized;
   Graph3D.on.click = [](Screen&, Control& control) {
     if (control.name == "Command1") GoBack();
