@@ -221,13 +221,16 @@ void Build(Editor& editor) {
   Add(screen, {.name = "Parameters", .kind = ControlKind::Grid, .place = {.in = "Side"}});
   Add(screen, {.name = "SideSpace", .kind = ControlKind::Spacer, .place = {.in = "Side"}});
   GridCursor cursor{.container = "Parameters"};
-  AddGroupRows(editor, "", cursor);
+  for (const EditorField& row : editor.fields) AddField(editor, row, cursor);
+  AddGap(editor, cursor);
+  for (const EditorValue& row : editor.shown) AddShown(editor, row, cursor);
+  AddGap(editor, cursor);
+  for (const EditorList& row : editor.lists) AddList(editor, row, cursor);
   Add(screen, {.name = graphName,
                .kind = ControlKind::Canvas,
                .place = {.in = "Body", .align = Align::Fill, .stretch = 1},
                .minWidth = static_cast<int>(least.width),
                .minHeight = static_cast<int>(least.height),
-               .framed = true,
                .accessibleName = editor.title});
   AddFoot(editor);
 }

@@ -2,6 +2,7 @@
 #include "editors/editlayout.h"
 
 #include <algorithm>
+#include <string>
 
 namespace {
 
@@ -118,6 +119,14 @@ void AddPair(Editor& editor, const EditorPair& row, GridCursor& cursor) {
                                 .align = Align::Left}});
   AddRadio(editor, row.onControl, row.onCaption, container);
   AddRadio(editor, row.offControl, row.offCaption, container);
+  ++cursor.row;
+}
+
+void AddGap(Editor& editor, GridCursor& cursor) {
+  Add(editor.screen, {.name = cursor.container + "Gap" + std::to_string(cursor.row),
+                      .kind = ControlKind::Label,
+                      .place = {.in = cursor.container, .row = cursor.row, .column = 0},
+                      .fontScale = 0.5});
   ++cursor.row;
 }
 

@@ -22,6 +22,8 @@ void AddField(Editor& editor, const EditorField& row, GridCursor& cursor);
 void AddShown(Editor& editor, const EditorValue& row, GridCursor& cursor);
 void AddList(Editor& editor, const EditorList& row, GridCursor& cursor);
 void AddPair(Editor& editor, const EditorPair& row, GridCursor& cursor);
+// A little room between two sets of rows whose columns go on.
+void AddGap(Editor& editor, GridCursor& cursor);
 // A field alone at a place of a grid, as the cells of a table stand.
 void AddCell(Editor& editor, const EditorField& row, const std::string& container, int gridRow,
              int gridColumn);

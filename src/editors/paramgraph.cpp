@@ -59,6 +59,8 @@ void DrawSegment(Control& canvas, const Segment& segment, const Stroke& stroke) 
 
 void DrawGrid(const Picture& picture) {
   const auto& [canvas, content, frame] = picture;
+  FillRectangle(canvas, {frame.left, frame.top}, {frame.right, frame.bottom},
+                {.colour = SystemWindow});
   const Stroke stroke{.colour = gridColour, .width = 1, .dashed = true};
   for (double line : content.x.lines) {
     const double x = XPixel(content, frame, line);
@@ -80,7 +82,7 @@ void DrawFrame(const Picture& picture) {
                 {frame.right, frame.bottom},
                 {frame.left, frame.bottom},
                 {frame.left, frame.top}},
-               {.colour = SystemWindowText, .width = 1});
+               {.colour = SystemButtonText, .width = 1});
 }
 
 void DrawXTicks(const Picture& picture) {
@@ -92,9 +94,9 @@ void DrawXTicks(const Picture& picture) {
     spans.push_back({XPixel(content, frame, content.x.lines[i]), MeasureText(texts[i]).width});
   for (std::size_t i : LabelsThatFit(spans, gap)) {
     const double x = spans[i].middle;
-    DrawLine(canvas, {x, frame.bottom}, {x, frame.bottom + gap / 2}, {.colour = SystemWindowText});
+    DrawLine(canvas, {x, frame.bottom}, {x, frame.bottom + gap / 2}, {.colour = SystemButtonText});
     DrawText(canvas, {x, frame.bottom + DropOfTicks(height) + height / 2}, texts[i],
-             {.anchor = TextAnchor::Centre});
+             {.colour = SystemButtonText, .anchor = TextAnchor::Centre});
   }
 }
 
@@ -106,8 +108,9 @@ void DrawYTicks(const Picture& picture) {
   for (double line : content.y.lines) spans.push_back({YPixel(content, frame, line), height});
   for (std::size_t i : LabelsThatFit(spans, 0)) {
     const double y = spans[i].middle;
-    DrawLine(canvas, {frame.left - gap / 2, y}, {frame.left, y}, {.colour = SystemWindowText});
-    DrawText(canvas, {frame.left - gap, y}, texts[i], {.anchor = TextAnchor::Right});
+    DrawLine(canvas, {frame.left - gap / 2, y}, {frame.left, y}, {.colour = SystemButtonText});
+    DrawText(canvas, {frame.left - gap, y}, texts[i],
+             {.colour = SystemButtonText, .anchor = TextAnchor::Right});
   }
 }
 
@@ -118,9 +121,10 @@ void DrawTitles(const Picture& picture) {
   DrawText(
       canvas,
       {(frame.left + frame.right) / 2, frame.bottom + DropOfTicks(height) + gap / 2 + height * 1.5},
-      content.xTitle, {.anchor = TextAnchor::Centre});
+      content.xTitle, {.colour = SystemButtonText, .anchor = TextAnchor::Centre});
   DrawText(canvas, {frame.left - ticks - 2 * gap - height / 2, (frame.top + frame.bottom) / 2},
-           content.yTitle, {.anchor = TextAnchor::Centre, .turnDegrees = 90});
+           content.yTitle,
+           {.colour = SystemButtonText, .anchor = TextAnchor::Centre, .turnDegrees = 90});
 }
 
 // A text on the hatching keeps a plain ground, or it could not be read.
@@ -131,10 +135,17 @@ void DrawOnPaper(Control& canvas, Point right, const std::string& text) {
   DrawText(canvas, right, text, {.anchor = TextAnchor::Right});
 }
 
+double TopOfFailZone(const Picture& picture) {
+  return std::max(picture.frame.top,
+                  YPixel(picture.content, picture.frame, *picture.content.failBelow));
+}
+
 // The zone's name stands in the band where the band is high enough, else above it; the other text
 // always names the upper edge from above, or from below when the band fills the frame.
-void DrawFailTexts(const Picture& picture, double top) {
+void DrawFailTexts(const Picture& picture) {
   const auto& [canvas, content, frame] = picture;
+  if (!content.failBelow) return;
+  const double top = TopOfFailZone(picture);
   const double height = MeasureText("0").height;
   const double right = frame.right - gap;
   const bool nameInside = frame.bottom - top >= height + 2;
@@ -149,12 +160,11 @@ void DrawFailTexts(const Picture& picture, double top) {
 void DrawFailZone(const Picture& picture) {
   const auto& [canvas, content, frame] = picture;
   if (!content.failBelow) return;
-  const double top = std::max(frame.top, YPixel(content, frame, *content.failBelow));
+  const double top = TopOfFailZone(picture);
   const GraphFrame band{frame.left, top, frame.right, frame.bottom};
   for (const Segment& line : HatchLines(band, hatchApart))
     DrawSegment(canvas, line, {.colour = failColour, .antialias = true});
   DrawLine(canvas, {frame.left, top}, {frame.right, top}, {.colour = failColour, .width = 2});
-  DrawFailTexts(picture, top);
 }
 
 void DrawMarks(const Picture& picture) {
@@ -185,13 +195,14 @@ void DrawCurve(const Picture& picture) {
 void ParameterGraph(Control& canvas, const FrameShape& shape) {
   if (canvas.canvasWidth <= 0 || canvas.canvasHeight <= 0) return;
   const GraphContent content = ContentOfGraph(GraphKind);
-  ClearCanvas(canvas, SystemWindow);
+  ClearCanvas(canvas, SystemButtonFace);
   const Picture picture{
       canvas, content,
       PlaceFrame(shape, canvas.canvasWidth, canvas.canvasHeight, RoomForTexts(content))};
   DrawGrid(picture);
   DrawFailZone(picture);
   DrawMarks(picture);
+  DrawFailTexts(picture);
   DrawCurve(picture);
   DrawFrame(picture);
   DrawXTicks(picture);
@@ -201,5 +212,5 @@ void ParameterGraph(Control& canvas, const FrameShape& shape) {
 
 TextSize LeastGraphSize() {
   const TextSize digit = MeasureText("0");
-  return {.width = digit.width * 60, .height = digit.height * 18};
+  return {.width = digit.width * 42, .height = digit.height * 16};
 }

@@ -135,10 +135,11 @@ std::vector<Segment> HatchLines(const GraphFrame& band, double apart) {
 std::vector<std::size_t> LabelsThatFit(std::span<const LabelSpan> labels, double gap) {
   std::vector<std::size_t> chosen;
   if (labels.empty()) return chosen;
-  std::size_t n = 1;
-  while (n < labels.size() && !EveryNthFits(labels, n, gap)) ++n;
-  for (std::size_t i = 0; i < labels.size(); i += n) chosen.push_back(i);
   const std::size_t last = labels.size() - 1;
+  std::size_t n = 1;
+  while (n < last && !EveryNthFits(labels.first(last), n, gap)) ++n;
+  for (std::size_t i = 0; i < std::max<std::size_t>(last, 1); i += n) chosen.push_back(i);
+  while (chosen.size() > 1 && Touch(labels[chosen.back()], labels[last], gap)) chosen.pop_back();
   if (chosen.back() != last && !Touch(labels[chosen.back()], labels[last], gap))
     chosen.push_back(last);
   return chosen;

@@ -95,8 +95,8 @@ std::optional<Segment> ClipToFrame(Segment segment, const GraphFrame& frame);
 // Diagonals across a band, so many pixels apart, each inside of it.
 std::vector<Segment> HatchLines(const GraphFrame& band, double apart);
 
-// Which labels of a row can be written without touching: every nth, the first and, where it fits,
-// the last among them. Middle and extent of each along the axis, in pixels.
+// Which labels of a row can be written without touching: every nth, and the last one in place of
+// those that it would touch. The first is always among them. Middle and extent of each along the axis, in pixels.
 struct LabelSpan {
   double middle = 0;
   double extent = 0;

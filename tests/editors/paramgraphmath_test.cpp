@@ -312,9 +312,11 @@ TEST(LabelsThatFit, KeepsAllWhenThereIsRoom) {
   EXPECT_EQ(LabelsThatFit(labels, 5), (std::vector<std::size_t>{0, 1, 2}));
 }
 
-TEST(LabelsThatFit, LeavesOutEvenlyAndKeepsTheLastWhereItFits) {
+TEST(LabelsThatFit, LeavesOutEvenlyAndPrefersTheLastToItsNeighbour) {
   const std::vector<LabelSpan> labels = {{0, 10}, {8, 10}, {16, 10}, {24, 10}, {32, 10}, {40, 10}};
-  EXPECT_EQ(LabelsThatFit(labels, 2), (std::vector<std::size_t>{0, 2, 4}));
+  EXPECT_EQ(LabelsThatFit(labels, 2), (std::vector<std::size_t>{0, 2, 5}));
+  const std::vector<LabelSpan> closeEnd = {{0, 10}, {20, 10}, {40, 10}, {44, 10}};
+  EXPECT_EQ(LabelsThatFit(closeEnd, 2), (std::vector<std::size_t>{0, 1, 3}));
   const std::vector<LabelSpan> uneven = {{0, 10}, {8, 10}, {16, 10}, {30, 10}};
   EXPECT_EQ(LabelsThatFit(uneven, 2), (std::vector<std::size_t>{0, 2, 3}));
 }
@@ -322,6 +324,7 @@ TEST(LabelsThatFit, LeavesOutEvenlyAndKeepsTheLastWhereItFits) {
 TEST(LabelsThatFit, AlwaysKeepsTheFirst) {
   const std::vector<LabelSpan> labels = {{0, 100}, {8, 100}, {16, 100}};
   EXPECT_EQ(LabelsThatFit(labels, 2), (std::vector<std::size_t>{0}));
+  EXPECT_EQ(LabelsThatFit(std::vector<LabelSpan>{{5, 10}}, 2), (std::vector<std::size_t>{0}));
   EXPECT_TRUE(LabelsThatFit({}, 2).empty());
 }
 
