@@ -122,8 +122,16 @@ void Refuse(Editor& editor, const EditorField& row, const std::string& message) 
   if (StillUp(editor)) AfterRefused(editor, row);
 }
 
+// Whether a text could have been typed, or is a number as the program writes it. The clipboard can
+// bring anything.
+bool CouldBeTyped(const EditorField& row, const std::string& text) {
+  const char* taken = row.takesMinus ? "0123456789.,-" : "0123456789.,";
+  return text.find_first_not_of(taken) == std::string::npos || IsNumeric(text);
+}
+
 // Why an entry is refused, or nothing.
 std::optional<std::string> Objection(Editor& editor, const EditorField& row, double entry) {
+  if (!CouldBeTyped(row, ControlOf(editor, row).text)) return RangeMessage("  Retype Data");
   if (row.wholeNumber && EntryText.find('.') != std::string::npos)
     return "  Data Input Error\n\rWhole Numbers Only";
   if (!(entry >= row.low() && entry <= row.high()))

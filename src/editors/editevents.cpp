@@ -80,7 +80,7 @@ bool PassesSilently(const EditorField& row, int character) {
 }
 
 void RefuseCharacter(Editor& editor, const EditorField& row) {
-  MsgBox("Data Input Error\n\r  Retype Data");
+  MsgBox(RangeMessage("  Retype Data"));
   if (StillUp(editor)) GotFocusStep(editor, row);
 }
 

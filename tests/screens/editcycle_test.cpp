@@ -462,6 +462,31 @@ TEST_F(EditCycleTest, NumberTooLongForAnyRangeIsRefused) {
   EXPECT_FALSE(CalChanged);
 }
 
+TEST_F(EditCycleTest, EntryEndsAtACommaForItsValue) {
+  Enter("Plain", "1,5");
+  EXPECT_EQ(CalValues[10], 1);
+}
+
+TEST_F(EditCycleTest, TextThatNobodyCouldTypeIsRefusedAtEnter) {
+  for (const char* pasted : {"abc", "12 Volts", "Inf"}) {
+    SetText(The("Plain"), pasted);
+    PressKey("Enter");
+    EXPECT_EQ(Message(), retype) << pasted;
+    EXPECT_EQ(CalValues[10], 50);
+    EXPECT_TRUE(AllSelected("Plain"));
+  }
+  EXPECT_FALSE(CalChanged);
+}
+
+TEST_F(EditCycleTest, SmallNumberAsTheProgramWritesItIsTakenBack) {
+  CalValues[10] = 1e-7F;
+  Redraw(Edited());
+  EXPECT_EQ(Text("Plain"), "1E-07");
+  PressKey("Enter");
+  EXPECT_EQ(CalValues[10], 1e-7F);
+  EXPECT_TRUE(CalChanged);
+}
+
 TEST_F(EditCycleTest, WholeNumberFieldRefusesAPeriod) {
   for (const char* text : {"5.", "12.5", "."}) {
     Enter("Whole", text);

@@ -167,6 +167,20 @@ TEST_F(EditorHotKeys, CtrlSWritesWhatWasEntered) {
   EXPECT_TRUE(FileExists(TestFolder() + "/V8.S19"));
 }
 
+TEST_F(EditorHotKeys, CtrlAloneDoesNothing) {
+  PressKey("Ctrl");
+  RunPending();
+  EXPECT_EQ(Top(), "Binj_graph");
+  EXPECT_FALSE(AnyBoxShown());
+  EXPECT_EQ(ShownText(Injectors(), "Text1"), "10.000");
+}
+
+TEST_F(EditorHotKeys, CtrlMShowsTheMonitor) {
+  PressKey("Ctrl+M");
+  RunPending();
+  EXPECT_EQ(opened_, "Monitor1 ");
+}
+
 TEST_F(EditorHotKeys, CtrlXClosesTheEditorAndEndsTheProgram) {
   PressKey("Ctrl+X");
   RunPending();
