@@ -1,0 +1,316 @@
+// The live loop of the monitors: opening, passes, retry, release.
+#include "monitors/livesession.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "core/globalstate.h"
+#include "link/liveframe.h"
+#include "link/onfly.h"
+#include "link/postedwrite.h"
+#include "platform/dialogs.h"
+#include "platform/failure.h"
+#include "platform/loop.h"
+#include "shell/mainframe.h"
+#include "shell/mainmenu.h"
+
+namespace {
+
+constexpr int timeOutsAtMost = 10;
+// A little less than the time between two pictures of a display.
+constexpr std::int64_t showEveryUs = 16'000;
+
+// The session that runs; there is one at a time, since it holds the port.
+struct LiveRun {
+  const LiveMonitor* monitor = nullptr;
+  unsigned life = 0;  // of the screen
+  OnflySession session;
+  int timeOuts = 0;
+  bool commandRuns = false;  // an answer other than a frame is awaited
+  bool killAsked = false;
+  bool frameSeen = false;
+  bool frameHeld = false;  // decoded, not shown yet
+  bool shownOpen = false;  // the figures show open loop
+  std::int64_t shownUs = 0;
+  PairMean speeds;
+  FramePair pair;
+};
+LiveRun run;
+
+bool ScreenUp() {
+  const Screen& screen = *run.monitor->screen;
+  return screen.loaded && !screen.closing && screen.life == run.life;
+}
+
+bool Stopped() { return MonitorStop == 1 || ProgramEnding() || !ScreenUp(); }
+
+void Call(void (*routine)()) {
+  if (routine) routine();
+}
+
+// ---- showing ------------------------------------------------------------------------------------
+
+void Show() {
+  run.frameHeld = false;
+  run.shownOpen = !ClosedLoop;
+  run.shownUs = MonotonicMicroseconds();
+  run.monitor->show();
+}
+
+void ShowHeldFrame() {
+  if (!run.frameHeld || !ScreenUp()) return;
+  if (run.shownUs == 0 || MonotonicMicroseconds() - run.shownUs >= showEveryUs) Show();
+}
+
+// The keys stay in an editor that is being worked in. The main menu has nothing to type, and its
+// Esc would end the program.
+void ShowMonitorScreen() {
+  Screen& screen = *run.monitor->screen;
+  if (screen.visible) return;
+  Screen* before = ActiveScreen();
+  ShowScreen(screen);
+  const bool editing = before && before != &Form1 && before->placement == ScreenPlacement::Work;
+  if (run.monitor->leavesKeysToEditor && editing) ActivateScreen(*before);
+}
+
+// The main menu puts MonitorMode back when it is loaded, also beside a monitor that runs.
+void HoldMode() {
+  if (MonitorMode == run.monitor->mode) return;
+  MonitorMode = run.monitor->mode;
+  RefreshMainMenu();
+  RefreshActiveEditor();
+}
+
+// ---- one pass -----------------------------------------------------------------------------------
+
+enum class Step { Go, Stop, Failed };
+
+// Between two exchanges nothing may be unread: a byte that came late would stand in front of the
+// next frame, and shift every frame after it.
+void DropLateBytes() { MSComm1.unread.clear(); }
+
+AfterCommands SendCommands() {
+  run.commandRuns = true;
+  DropLateBytes();
+  if (std::exchange(run.killAsked, false)) KillEngine();
+  const AfterCommands after = run.monitor->send();
+  run.commandRuns = false;
+  return after;
+}
+
+// The request is on the wire before anything is painted.
+void RequestFrame() {
+  MSComm1.RThreshold = static_cast<int>(LiveFrameLength);
+  MSComm1.InputLen = 0;
+  DropLateBytes();
+  RxBuffer.clear();
+  MSComm1.Output("F");
+  ShowHeldFrame();
+}
+
+Step ReceiveFrame() {
+  for (;;) {
+    RequestFrame();
+    const WaitEnd end = PollingWait(run.monitor->frameWait, LoopMustEnd);
+    if (Stopped()) return Step::Stop;
+    if (end == WaitEnd::Reply) return Step::Go;
+    if (LinkLost()) return Step::Failed;
+    if (++run.timeOuts < timeOutsAtMost) continue;
+    WaitCount = 0;
+    return Step::Failed;
+  }
+}
+
+void TakeFrame() {
+  DecodeFrame(FrameReader::Monitor);
+  if (const auto mean = run.speeds.Add(Live[LiveField::Erpm]))
+    run.pair = {*mean, Live.pwOnMs, Live.pwOffMs};
+  run.frameSeen = true;
+  run.frameHeld = true;
+  Call(run.monitor->decoded);
+}
+
+bool TakesFrames() { return !run.monitor->takesFrames || run.monitor->takesFrames(); }
+
+Step RunPass() {
+  if (Stopped()) return Step::Stop;
+  HoldMode();
+  if (SendCommands() == AfterCommands::BeginPassAgain) return LinkLost() ? Step::Failed : Step::Go;
+  if (Stopped()) return Step::Stop;
+  if (CommError != 0 || LinkLost()) return Step::Failed;
+  Step step = ReceiveFrame();
+  while (step == Step::Go && !TakesFrames()) step = ReceiveFrame();
+  if (step == Step::Go) TakeFrame();
+  return step;
+}
+
+// ---- a session ----------------------------------------------------------------------------------
+
+Step StepOf(SessionEnd end) {
+  run.commandRuns = false;
+  if (Stopped() || end == SessionEnd::Left) return Step::Stop;
+  return end == SessionEnd::Open ? Step::Go : Step::Failed;
+}
+
+void BeginSession() {
+  MonitorStop = 0;
+  run.session = {};
+  run.timeOuts = 0;
+  run.frameSeen = false;
+  run.frameHeld = false;
+  run.speeds = {};
+  run.pair = {};
+  if (MapBar == 0) MapBar = 1;
+  ResetLiveState();
+  Call(run.monitor->prepare);
+  ShowMonitorScreen();
+}
+
+Step OpenSession() {
+  BeginSession();
+  run.commandRuns = true;
+  const Step step = StepOf(OpenOnflySession(run.session));
+  if (step != Step::Go) return step;
+  run.commandRuns = true;
+  Call(run.monitor->opened);
+  run.commandRuns = false;
+  return Stopped() ? Step::Stop : Step::Go;
+}
+
+// Passes until one does not go on. A command that failed opens the session anew, as long as it has
+// tries; a frame that does not come ends it.
+Step RunSession() {
+  Step step = OpenSession();
+  while (step == Step::Go) {
+    step = RunPass();
+    if (step != Step::Failed || CommError == 0) continue;
+    run.commandRuns = true;
+    DropLateBytes();
+    step = StepOf(ReopenOnflySession(run.session));
+  }
+  return step;
+}
+
+// A unit that is left in forced open loop would stay there: whoever shows open loop, has it in
+// force or has asked for a change gives it back.
+void GiveBackLoopControl() {
+  const bool forced = run.shownOpen || !ClosedLoop || PendEgo == 1;
+  ClosedLoop = true;
+  PendEgo = 0;
+  run.shownOpen = false;
+  if (forced && MSComm1.PortOpen && !MSComm1.gone) togego();
+}
+
+bool RetryWanted() {
+  MonitorStop = 1;
+  if (ScreenUp()) HideScreen(*run.monitor->screen);
+  GiveBackLoopControl();
+  MSComm1.Close();
+  ComErrorDialog();
+  return DialogChoice == RetryComPort && ScreenUp() && !ProgramEnding();
+}
+
+SessionOver WhyStopped() {
+  if (ProgramEnding()) return SessionOver::ProgramEnds;
+  return ScreenUp() ? SessionOver::Left : SessionOver::Unloaded;
+}
+
+SessionOver RunSessions() {
+  constexpr float invalidProm = 99;
+  for (;;) {
+    if (RunSession() == Step::Stop) return WhyStopped();
+    if (CommError == invalidProm) return SessionOver::InvalidProm;
+    if (RetryWanted()) continue;
+    return ScreenUp() && !ProgramEnding() ? SessionOver::Cancelled : WhyStopped();
+  }
+}
+
+// ---- from start to release ----------------------------------------------------------------------
+
+void Begin(const LiveMonitor& monitor) {
+  run = {};
+  run.monitor = &monitor;
+  LoadScreen(*monitor.screen);
+  run.life = monitor.screen->life;
+  MonitorMode = monitor.mode;
+  SetModeLine(monitor.modeLine);
+  RefreshMainMenu();
+  RefreshActiveEditor();
+}
+
+void DropUnsent() {
+  for (int* pending : {&PendZeroAdv, &PendClearZero, &PendAdv, &PendGama, &PendTog, &PendInj,
+                       &PendTpsBlend, &PendGpo, &PendAfr, &PendEgo})
+    *pending = 0;
+  ResetPostedWrite();
+}
+
+// The screen goes first, so that the user sees the answer while the unit is still told.
+void Finish() {
+  MonitorStop = 1;
+  MonitorMode = 0;
+  if (ScreenUp()) UnloadScreen(*run.monitor->screen);
+  GiveBackLoopControl();
+  MSComm1.Close();
+  PortHeld = false;
+  CommError = 0;
+  DropUnsent();
+  run = {};
+  if (ProgramEnding()) return;
+  SetModeLine(EditModeLine);
+  RefreshMainMenu();
+  RefreshActiveEditor();
+}
+
+SessionOver RunTrapped() {
+  try {
+    return RunSessions();
+  } catch (const Failure& failure) {
+    MsgBox(FailureText(failure), Buttons::Ok, "Error", BoxIcon::Critical);
+    return WhyStopped();
+  }
+}
+
+}  // namespace
+
+void RunLive(const LiveMonitor& monitor) {
+  if (YieldDepth() > 0) {
+    RunFromQueue([&monitor] { RunLive(monitor); });
+    return;
+  }
+  if (PortHeld) {
+    MsgBox("Port is already in use by another process.");
+    Call(monitor.refused);
+    return;
+  }
+  Begin(monitor);
+  const SessionOver why = RunTrapped();
+  Finish();
+  if (monitor.over) monitor.over(why);
+}
+
+void StopLive() {
+  if (run.monitor) MonitorStop = 1;
+}
+
+void LiveScreenUnloaded() { StopLive(); }
+
+void ToggleLoopControl() {
+  ClosedLoop = !ClosedLoop;
+  PendEgo = 1;
+}
+
+void AskToKillEngine() {
+  KillFirst = false;
+  if (!run.monitor || Stopped()) return;
+  if (run.commandRuns)
+    run.killAsked = true;
+  else
+    KillEngine();
+}
+
+void ShowLiveNow() {
+  if (run.monitor && run.frameSeen && ScreenUp()) Show();
+}
+
+const FramePair& LastFramePair() { return run.pair; }
