@@ -52,7 +52,12 @@ void Build(Screen& screen) {
   Add(screen, {.name = "Program",
                .kind = ControlKind::Row,
                .place = {.in = "Groups", .row = 1, .column = 0, .columnSpan = 2}});
-  AddButtons(screen, rows);
+  const std::span<const ButtonRow> all = rows;
+  AddButtons(screen, all.first(all.size() - 1));
+  Add(screen, {.name = "Rest",
+               .kind = ControlKind::Spacer,
+               .place = {.in = "Program", .stretch = 1}});
+  AddButtons(screen, all.last(1));  // the exit stands apart
 }
 
 void Load(Screen& screen) {
