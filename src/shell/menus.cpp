@@ -55,11 +55,11 @@ void FlipTips() {
 }
 
 void ShowReporting() {
-  MsgBox(Lines({"Please report faults of Halvane2 to", "", "Brantwell Engine Controls",
-                "Software Problem Reports", "",
-                "Tell the version of the program, the ZEM PROM version, what you did and what",
-                "happened, and enclose the BIN file that was open."}),
-         Buttons::Ok, "Problem Reporting", BoxIcon::Information);
+  MsgBox(
+      Lines({"Please report faults of Halvane2 to", "", "Brantwell Engine Controls",
+             "Software Problem Reports", "", "Tell the version of the program and of the ZEM PROM,",
+             "what you did and what happened, and enclose the BIN file", "that was open."}),
+      Buttons::Ok, "Problem Reporting", BoxIcon::Information);
 }
 
 void ShowHelpTopics() {

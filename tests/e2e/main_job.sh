@@ -102,8 +102,10 @@ tell "the 512 bytes in the ZEM are those of V8.S19"
 keys space
 settle
 picture main-menu-again
-keys alt+e
+keys alt+e  # another file, then none after all
 settle
+keys Escape
+wait_for 10 "the open dialog" window_titled 'Open Halvane2 User BIN Files'
 keys Escape
 settle
 keys ctrl+x
