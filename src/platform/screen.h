@@ -142,7 +142,8 @@ struct Screen {
   Colour backColour = SystemButtonFace;
   bool enabled = true;
   double left = -1, top = -1, width = 0, height = 0;  // Above, Child: 1/1440 inch; -1 is the
-                                                      // platform's choice, 0 is by its content
+                                                      // platform's choice, 0 is by its content;
+                                                      // the user's moves are written here
   std::deque<Control> controls;
 
   // Kept by the platform layer.

@@ -1,5 +1,6 @@
 // Who has the focus, how it moves, and what a screen is told of it.
 #include <algorithm>
+#include <utility>
 
 #include "platform/contract.h"
 
@@ -384,6 +385,33 @@ TEST_F(FocusTest, ScreenLoadedAnewInsideGotFocusKeepsItsNewControls) {
   EXPECT_EQ(ShownFocus(), "Text1");
   PressKey("Tab");
   EXPECT_EQ(FocusedControl(screen), &At(screen, "Text2"));
+}
+
+TEST_F(FocusTest, ScreenLoadedAnewInsideLostFocusForgetsTheOldTarget) {
+  bool done = false;
+  screen.on.lostFocus = [&](Screen& s, Control&) {
+    if (std::exchange(done, true)) return;
+    UnloadScreen(s);
+    ShowScreen(s);
+  };
+  Show();
+  SetFocus(At(screen, "Text3"));
+  EXPECT_EQ(FocusedControl(screen), &At(screen, "Text1"));
+  EXPECT_EQ(Told(), (Journal{"lost Text1", "unload frmFocus", "load frmFocus", "shown frmFocus",
+                             "got Text1"}));
+}
+
+TEST_F(FocusTest, ClickThatLoadsItsScreenAnewClicksNothingThere) {
+  bool done = false;
+  screen.on.gotFocus = [&](Screen& s, Control& control) {
+    if (control.name != "Command1" || std::exchange(done, true)) return;
+    UnloadScreen(s);
+    ShowScreen(s);
+  };
+  Show();
+  ClickOn(screen, "Command1");
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), "click Command1"), 0);
+  EXPECT_EQ(ShownFocus(), "Text1");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The way of a key: accelerators, the screen, the control, the key-press, the field.
 #include <algorithm>
+#include <utility>
 
 #include "platform/contract.h"
 
@@ -144,6 +145,21 @@ TEST_F(KeysTest, HotKeyThatUnloadsItsScreenEndsThere) {
   EXPECT_FALSE(WasTold("down Text1 +69"));
 }
 
+TEST_F(KeysTest, KeyThatLoadsItsScreenAnewDoesNotReachTheNewLife) {
+  bool done = false;
+  screen.on.keyDown = [&](Screen& s, KeyEvent&) {
+    if (std::exchange(done, true)) return;
+    UnloadScreen(s);
+    ShowScreen(s);
+  };
+  Show();
+  PressKey("7");
+  EXPECT_FALSE(WasTold("down Text1 55"));
+  EXPECT_EQ(ShownText(screen, "Text1"), "");
+  PressKey("8");
+  EXPECT_EQ(ShownText(screen, "Text1"), "8");
+}
+
 // ---- Alt and a letter ---------------------------------------------------------------------------
 
 TEST_F(KeysTest, AltLetterOfALabelFocusesItsField) {
@@ -230,6 +246,16 @@ TEST_F(KeysTest, AltLetterWhoseFocusIsRefusedDoesNotClick) {
   PressKey("Alt+G");
   EXPECT_FALSE(WasTold("click Command1"));
   EXPECT_EQ(ShownFocus(), "Text1");
+}
+
+TEST_F(KeysTest, AltLetterPassesADisabledControlForTheNextOfTheSameLetter) {
+  screen.build = [](Screen& s) {
+    Add(s, Button("First", "&Go")).enabled = false;
+    Add(s, Button("Second", "&Get"));
+  };
+  Show();
+  PressKey("Alt+G");
+  EXPECT_TRUE(WasTold("click Second"));
 }
 
 // ---- Enter and Esc ------------------------------------------------------------------------------

@@ -155,6 +155,21 @@ TEST_F(ClockTest, HookRunsWhileTheNextBoxIsOpen) {
   TakeBox();
 }
 
+TEST_F(ClockTest, QueueDoesNotRunInsideABoxHoweverItIsDriven) {
+  bool ran = false;
+  RunFromQueue([&] { ran = true; });
+  WhileNextBoxIsOpen([&] {
+    RunPending();
+    AdvanceMs(5);
+    EXPECT_FALSE(ran);
+  });
+  MsgBox("open");
+  EXPECT_FALSE(ran);
+  RunPending();
+  EXPECT_TRUE(ran);
+  TakeBox();
+}
+
 TEST_F(ClockTest, AnswerThatABoxHasNoButtonForStays) {
   PushAnswer(Answer::Yes);
   EXPECT_EQ(MsgBox("sure?", Buttons::OkCancel), Answer::Cancel);

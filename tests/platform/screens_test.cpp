@@ -1,4 +1,6 @@
 // The life of screens: loading, showing, who is active, unloading inside one's own routine.
+#include <utility>
+
 #include "platform/contract.h"
 #include "platform/failure.h"
 
@@ -17,6 +19,7 @@ class ScreensTest : public ContractTest {
   }
   std::string Active() { return ActiveScreen() ? ActiveScreen()->name : ""; }
 
+  bool again = true;  // outlives the unloading at the end of a test
   Screen one = Make("one");
   Screen two = Make("two");
   Screen above = Make("above", ScreenPlacement::Above);
@@ -311,7 +314,6 @@ TEST_F(ScreensTest, ScreenShownAgainWhileItClosesBeginsANewLife) {
 }
 
 TEST_F(ScreensTest, ScreenLoadedAgainByItsUnloadRoutineStays) {
-  bool again = true;
   one.on.unload = [&](Screen& s) {
     if (std::exchange(again, false)) ShowScreen(s);
   };
@@ -322,6 +324,18 @@ TEST_F(ScreensTest, ScreenLoadedAgainByItsUnloadRoutineStays) {
   EXPECT_EQ(LoadedScreens(), (std::vector<Screen*>{&one}));
   TypeText("7");
   EXPECT_EQ(ShownText(one, "Text1"), "7");
+}
+
+TEST_F(ScreensTest, ScreenOnlyLoadedByItsUnloadRoutineIsNotShown) {
+  one.on.unload = [&](Screen& s) {
+    if (std::exchange(again, false)) LoadScreen(s);
+  };
+  ShowScreen(one);
+  UnloadScreen(one);
+  EXPECT_TRUE(one.loaded);
+  EXPECT_FALSE(one.visible);
+  EXPECT_FALSE(ShownVisible(one, "Text1"));
+  EXPECT_EQ(ActiveScreen(), nullptr);
 }
 
 TEST_F(ScreensTest, RoutineMayUnloadItsScreenAndShowAnother) {

@@ -1,6 +1,6 @@
 // What the user sees: screens, controls, focus and frame as they were told last.
 #include <map>
-#include <memory>
+#include <optional>
 #include <utility>
 
 #include "platform/headless/headless.h"
@@ -17,7 +17,14 @@ struct SeenScreen {
   bool seen = false;  // shown at least once in this life
 };
 
+// Where the user has moved the frame; without a move it stands where the record says.
+struct FramePlace {
+  double left = 0, top = 0, width = 0, height = 0;
+};
+
 std::map<const Screen*, SeenScreen> seenScreens;
+std::optional<FramePlace> movedFrame;
+std::optional<bool> frameMinimised;
 std::string lastPopUp;
 int focusMoves = 0;
 
@@ -63,6 +70,8 @@ namespace headless {
 
 void ResetScreens() {
   seenScreens.clear();
+  movedFrame.reset();
+  frameMinimised.reset();
   lastPopUp.clear();
   focusMoves = 0;
 }
@@ -132,11 +141,23 @@ void NativeFocus(Control& control) {
 
 void NativeActivate(Screen&) {}
 
-void NativeShowFrame(Frame&) {}
+void NativeShowFrame(Frame&) {
+  movedFrame.reset();
+  frameMinimised.reset();
+}
 void NativeCloseFrame(Frame&) {}
 void NativeFrameChanged(Frame&) {}
 void NativeMenuChanged(Frame&, MenuItem&) {}
 void NativePopUpMenu(Frame&, MenuItem& item) { lastPopUp = item.name; }
+
+void ReadFramePlace(Frame& frame) {
+  if (frameMinimised) frame.minimised = *frameMinimised;
+  if (!movedFrame) return;
+  frame.left = movedFrame->left;
+  frame.top = movedFrame->top;
+  frame.width = movedFrame->width;
+  frame.height = movedFrame->height;
+}
 
 // ---- the script's side --------------------------------------------------------------------------
 
@@ -149,6 +170,17 @@ void ResetHeadless() {
   headless::ResetPorts();
   headless::ResetFiles();
   headless::ResetLoop();
+}
+
+void HeadlessMoveFrame(double left, double top, double width, double height) {
+  movedFrame = {left, top, width, height};
+}
+void HeadlessMinimiseFrame(bool minimised) { frameMinimised = minimised; }
+
+void HeadlessMoveScreen(Screen& screen, double left, double top) {
+  if (!UserReaches(screen)) return;
+  screen.left = left;
+  screen.top = top;
 }
 
 std::string LastPopUpMenu() { return std::exchange(lastPopUp, {}); }

@@ -175,7 +175,6 @@ void PrinterAbort() {
 // ---- desktop ------------------------------------------------------------------------------------
 
 int MaximisedFrameWidth() { return desktopWidth + 8; }
-void ReadFramePlace(Frame&) {}  // the record is the place as shown
 
 // A typewriter font: 0.6 of its height wide, a little more in bold; 9 points is the desktop's.
 TextSize MeasureText(const std::string& text, double pointSize, bool bold) {

@@ -94,7 +94,10 @@ void HeadlessMouse(Control& control, const MouseEvent& event);
 void HeadlessMenu(const std::string& name);
 void HeadlessCloseBox(Screen& screen);
 void HeadlessCloseFrame();
-void ResizeCanvas(Control& control, int width, int height);  // default 640 x 480
+void HeadlessMoveFrame(double left, double top, double width, double height);  // 1/1440 inch
+void HeadlessMinimiseFrame(bool minimised);
+void HeadlessMoveScreen(Screen& screen, double left, double top);  // Above, Child
+void ResizeCanvas(Control& control, int width, int height);        // default 640 x 480
 std::string LastPopUpMenu();  // name of the menu popped up last, "" after it was asked
 // What the user sees, as of the last told change of the record.
 std::string SeenText(const Control& control);  // text of a field, caption of others, chosen item
