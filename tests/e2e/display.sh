@@ -50,6 +50,17 @@ wait_for() {
   done
 }
 
+# The window of this title has the keys.
+activate() {
+  local window
+  window=$(xdotool search --onlyvisible --name "$1" | head -n 1) || return 1
+  [ -n "$window" ] || return 1
+  [ "$(xdotool getactivewindow 2>/dev/null)" = "$window" ] && return 0
+  xdotool windowactivate "$window" >/dev/null 2>&1
+  sleep 0.1
+  [ "$(xdotool getactivewindow 2>/dev/null)" = "$window" ]
+}
+
 window_titled() { xdotool search --onlyvisible --name "$1"; }
 
 # The picture has stood still for a moment.

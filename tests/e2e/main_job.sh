@@ -36,7 +36,7 @@ cd "$garage"
 program=$!
 pieces+=("$program")
 wait_for 30 "the main frame" window_titled '^Halvane2 Version'
-xdotool search --sync --onlyvisible --name '^Halvane2 Version' windowactivate --sync >/dev/null 2>&1 || true
+wait_for 10 "the keys of the main frame" activate '^Halvane2 Version'
 settle
 picture main-menu
 tell "started: the main menu is up"
