@@ -1,5 +1,4 @@
 // The worked example of docs/formats.md against the real code.
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -13,9 +12,8 @@ using FormatsDocument = FilesTest;
 
 // The lines of the code block of this kind.
 std::vector<std::string> CodeBlock(const std::string& kind) {
-  const auto root = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
-  std::ifstream document(root / "docs" / "formats.md");
-  EXPECT_TRUE(document) << "docs/formats.md is not there";
+  std::ifstream document(HALVANE2_FORMATS);
+  EXPECT_TRUE(document) << HALVANE2_FORMATS << " is not there";
   std::vector<std::string> lines;
   std::string line;
   while (std::getline(document, line) && line != "```" + kind) {
