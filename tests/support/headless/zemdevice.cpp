@@ -59,6 +59,12 @@ void ZemDevice::Fail(const std::string& fault) {
   if (!zem.Fail(fault)) ADD_FAILURE() << "no fault " << fault;
 }
 
+void ZemDevice::ClearAll() {
+  zem.ClearFaults();
+  zem.Replug();
+  Connect();
+}
+
 std::vector<std::string> ZemDevice::TakeHistory() {
   std::vector<std::string> all(zem.History().begin(), zem.History().end());
   std::vector<std::string> news(all.begin() + static_cast<std::ptrdiff_t>(taken_), all.end());

@@ -21,6 +21,8 @@ class ZemDevice {
   void Replug();
   // A fault by its text; a test failure when the text names none.
   void Fail(const std::string& fault);
+  // All faults healed, the cable in, and nobody else listening on it.
+  void ClearAll();
   // The commands that were heard since the last call; good for 256 commands in all.
   std::vector<std::string> TakeHistory();
 
