@@ -5,6 +5,10 @@
 #include <functional>
 #include <string>
 
+// Makes the toolkit ready; main calls it first, once. Options of the toolkit are taken out of the
+// arguments. A second call puts the start state back.
+void StartPlatform(int& argc, char** argv);
+
 // One pass of the event queue. When nothing is pending it sleeps in the event loop until a byte, a
 // key or a millisecond has come and counts off the passes that fit into that time, so that a pass
 // lasts about 30 microseconds on average and costs next to nothing. After a yield look again

@@ -25,6 +25,18 @@ TEST_F(ClockTest, YieldIsOnePassOfThirtyMicroseconds) {
   EXPECT_EQ(MonotonicMicroseconds(), 30000);
 }
 
+TEST_F(ClockTest, StartingThePlatformAgainPutsTheStartStateBack) {
+  int argc = 0;
+  AtUs(100, Note());
+  PutTextFile("a", "text");
+  Pause(5);
+  StartPlatform(argc, nullptr);
+  EXPECT_EQ(NowUs(), 0);
+  EXPECT_TRUE(AllFiles().empty());
+  AdvanceMs(1);
+  EXPECT_EQ(times, Times{});
+}
+
 TEST_F(ClockTest, PauseIsATenthOfAMillisecondAUnitAndNoPass) {
   Pause(25);
   EXPECT_EQ(NowUs(), 2500);

@@ -19,7 +19,6 @@ class ScreensTest : public ContractTest {
   }
   std::string Active() { return ActiveScreen() ? ActiveScreen()->name : ""; }
 
-  bool again = true;  // outlives the unloading at the end of a test
   Screen one = Make("one");
   Screen two = Make("two");
   Screen above = Make("above", ScreenPlacement::Above);
@@ -314,7 +313,8 @@ TEST_F(ScreensTest, ScreenShownAgainWhileItClosesBeginsANewLife) {
 }
 
 TEST_F(ScreensTest, ScreenLoadedAgainByItsUnloadRoutineStays) {
-  one.on.unload = [&](Screen& s) {
+  // Kept by the routine: the fixture unloads the screen once more at the end.
+  one.on.unload = [again = true](Screen& s) mutable {
     if (std::exchange(again, false)) ShowScreen(s);
   };
   ShowScreen(one);
@@ -327,7 +327,7 @@ TEST_F(ScreensTest, ScreenLoadedAgainByItsUnloadRoutineStays) {
 }
 
 TEST_F(ScreensTest, ScreenOnlyLoadedByItsUnloadRoutineIsNotShown) {
-  one.on.unload = [&](Screen& s) {
+  one.on.unload = [again = true](Screen& s) mutable {
     if (std::exchange(again, false)) LoadScreen(s);
   };
   ShowScreen(one);

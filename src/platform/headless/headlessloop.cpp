@@ -145,6 +145,8 @@ void SetClock(const std::string& date, double secondsSinceMidnight) {
 
 // ---- loop.h -------------------------------------------------------------------------------------
 
+void StartPlatform(int&, char**) { ResetHeadless(); }
+
 void Yield() {
   YieldScope scope;
   ++passes;
