@@ -144,6 +144,15 @@ void TableKeys(Editor& editor, KeyEvent& event) {
   }
 }
 
+// ---- marks --------------------------------------------------------------------------------------
+
+// A click on a mark is one on the cell beneath it.
+void Clicked(Editor& editor, Control& control) {
+  TableEditor& table = TableOf(editor);
+  for (std::size_t cell = 1; cell < table.marks.size(); ++cell)
+    if (table.marks[cell] == &control) SetFocus(ControlAt(table, static_cast<int>(cell)));
+}
+
 // ---- graph --------------------------------------------------------------------------------------
 
 bool GraphIsRefused(const TableRules& rules) {
@@ -201,6 +210,7 @@ void Connect(TableEditor& table) {
   editor.reinit = RestoreText;
   editor.keys = TableKeys;
   editor.focused = Focused;
+  editor.click = Clicked;
   editor.fieldColour = [](Editor& own, const EditorField& row) {
     return ColourAt(TableOf(own), row);
   };

@@ -43,7 +43,7 @@ struct TableRules {
   EditorField speedAxis;  // and the positions of the axes, in a grid with axes
   EditorField loadAxis;
   AxisCaptions captions;  // in a grid without
-  bool hasMarks = false;  // a mark stands beside each cell, MarkCell
+  bool hasMarks = false;  // each cell of a grid without axes can have a mark on its left end
 
   double fillScale = 1;  // a fill stores value / fillScale
   FillTexts fill;

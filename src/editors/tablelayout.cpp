@@ -1,7 +1,5 @@
 // The controls of a table screen: row 1 at the bottom, the load axis on the left, the speed axis
 // below.
-#include <algorithm>
-
 #include "core/globalstate.h"
 #include "editors/editlayout.h"
 #include "editors/tableeditor.h"
@@ -11,20 +9,15 @@ namespace {
 constexpr const char* gridName = "Grid";
 constexpr const char* sideName = "Side";
 constexpr int cellChars = 6;
-constexpr int markChars = 2;
-constexpr int headRow = 0;  // rows of the layout's grid
-constexpr int speedRow = TableSide + 1;
-constexpr int speedTitleRow = TableSide + 2;
+constexpr int markChars = 1;
+constexpr int speedRow = TableSide;  // rows of the layout's grid, from the top
+constexpr int titleRow = TableSide + 1;
+constexpr int mapLabelColumns = 2;
 
-int LayoutRow(int row) { return TableSide + 1 - row; }
+int LayoutRow(int row) { return TableSide - row; }
 
-int LayoutColumn(const TableRules& rules, int column) {
-  return rules.hasMarks && column > 0 ? 2 * column - 1 : column;
-}
-
-int LayoutColumns(const TableRules& rules) {
-  return LayoutColumn(rules, TableSide) + (rules.hasMarks ? 2 : 1);
-}
+// Not enough height for everything: the buttons go before the lines.
+bool IsLowScreen() { return ScreenClass == 1 || (ScreenClass > 4 && ScreenClass < 800); }
 
 void AddPosition(TableEditor& table, const EditorField& row) {
   const TableRules& rules = table.rules;
@@ -34,31 +27,27 @@ void AddPosition(TableEditor& table, const EditorField& row) {
   const std::string name = atRow == 0      ? "speed axis " + std::to_string(atColumn)
                            : atColumn == 0 ? "load axis " + std::to_string(atRow)
                                            : place;
-  Add(table.editor.screen, {.name = row.control,
-                            .kind = ControlKind::TextField,
-                            .place = {.in = gridName,
-                                      .row = LayoutRow(atRow),
-                                      .column = LayoutColumn(rules, atColumn),
-                                      .align = Align::Fill},
-                            .widthChars = cellChars,
-                            .textAlign = Align::Right,
-                            .fontScale = TableFontScale(ScreenClass),
-                            .bold = CellAt(rules.grid, row.number) == 0,
-                            .accessibleName = name});
+  Add(table.editor.screen,
+      {.name = row.control,
+       .kind = ControlKind::TextField,
+       .place = {.in = gridName, .row = LayoutRow(atRow), .column = atColumn, .align = Align::Fill},
+       .widthChars = cellChars,
+       .textAlign = Align::Right,
+       .fontScale = TableFontScale(ScreenClass),
+       .bold = CellAt(rules.grid, row.number) == 0,
+       .accessibleName = name});
 }
 
 Control* AddAxisCaption(TableEditor& table, const std::string& array, int number, int row,
                         int column) {
-  return &Add(table.editor.screen, {.name = array + "(" + std::to_string(number) + ")",
-                                    .kind = ControlKind::Label,
-                                    .place = {.in = gridName,
-                                              .row = row,
-                                              .column = LayoutColumn(table.rules, column),
-                                              .align = Align::Fill},
-                                    .widthChars = cellChars,
-                                    .textAlign = Align::Right,
-                                    .fontScale = TableFontScale(ScreenClass),
-                                    .bold = true});
+  return &Add(table.editor.screen,
+              {.name = array + "(" + std::to_string(number) + ")",
+               .kind = ControlKind::Label,
+               .place = {.in = gridName, .row = row, .column = column, .align = Align::Fill},
+               .widthChars = cellChars,
+               .textAlign = Align::Right,
+               .fontScale = TableFontScale(ScreenClass),
+               .bold = true});
 }
 
 void AddAxisCaptions(TableEditor& table) {
@@ -73,47 +62,45 @@ void AddAxisCaptions(TableEditor& table) {
   }
 }
 
+// A mark stands on the left end of its cell, whose text keeps to the right.
 void AddMarks(TableEditor& table) {
   table.marks.clear();
   if (!table.rules.hasMarks) return;
   table.marks.push_back(nullptr);
-  for (int cell = 1; cell <= TableCells; ++cell) {
-    const int column = LayoutColumn(table.rules, (cell - 1) % TableSide + 1) + 1;
+  for (int cell = 1; cell <= TableCells; ++cell)
     table.marks.push_back(
         &Add(table.editor.screen, {.name = "Mark(" + std::to_string(cell) + ")",
                                    .kind = ControlKind::Label,
                                    .place = {.in = gridName,
                                              .row = LayoutRow((cell - 1) / TableSide + 1),
-                                             .column = column,
-                                             .align = Align::Fill},
+                                             .column = (cell - 1) % TableSide + 1,
+                                             .align = Align::Left},
                                    .widthChars = markChars,
                                    .textAlign = Align::Centre,
                                    .fontScale = TableFontScale(ScreenClass),
-                                   .bold = true}));
-  }
+                                   .bold = true,
+                                   .visible = false}));
 }
 
 void AddGrid(TableEditor& table) {
   Screen& screen = table.editor.screen;
-  const int columns = LayoutColumns(table.rules);
   Add(screen, {.name = gridName, .kind = ControlKind::Grid, .place = {.in = "Body"}});
-  Add(screen, {.name = "MAP_Label",
-               .place = {.in = gridName,
-                         .row = headRow,
-                         .column = 0,
-                         .columnSpan = columns,
-                         .align = Align::Left},
-               .widthChars = 16});
   for (const EditorField& row : table.editor.fields)
     if (row.number <= table.rules.grid.positions) AddPosition(table, row);
   AddAxisCaptions(table);
   AddMarks(table);
+  Add(screen, {.name = "MAP_Label",
+               .place = {.in = gridName,
+                         .row = titleRow,
+                         .column = 0,
+                         .columnSpan = mapLabelColumns,
+                         .align = Align::Left}});
   Add(screen, {.name = "SpeedTitle",
                .caption = "Engine Speed (RPM)",
                .place = {.in = gridName,
-                         .row = speedTitleRow,
-                         .column = 1,
-                         .columnSpan = columns - 1,
+                         .row = titleRow,
+                         .column = mapLabelColumns,
+                         .columnSpan = TableSide + 1 - mapLabelColumns,
                          .align = Align::Centre}});
 }
 
@@ -129,11 +116,37 @@ void AddSide(TableEditor& table) {
   for (const EditorList& row : editor.lists) AddList(editor, row, cursor);
 }
 
+// Hint lines on the left, the standing lines of every editor beside them where there is room.
+void AddTexts(TableEditor& table) {
+  Editor& editor = table.editor;
+  Screen& screen = editor.screen;
+  Add(screen, {.name = "Texts", .kind = IsLowScreen() ? ControlKind::Column : ControlKind::Row});
+  Add(screen, {.name = "Hints", .kind = ControlKind::Column, .place = {.in = "Texts"}});
+  AddHint(editor, "KeysLine",
+          "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table.");
+  if (table.rules.lines) table.rules.lines(table);
+  if (!IsLowScreen())
+    Add(screen, {.name = "TextsGap", .kind = ControlKind::Spacer, .place = {.in = "Texts"}});
+  Add(screen, {.name = "Lines", .kind = ControlKind::Column, .place = {.in = "Texts"}});
+  AddStandingLines(editor, "Lines");
+}
+
+void AddButtons(Editor& editor) {
+  Add(editor.screen, {.name = "Foot", .kind = ControlKind::Row});
+  Add(editor.screen, {.name = "FootGap", .kind = ControlKind::Spacer, .place = {.in = "Foot"}});
+  for (const EditorButton& row : editor.buttons) AddButton(editor, row, "Foot");
+  Add(editor.screen, {.name = editor.backButton,
+                      .kind = ControlKind::Button,
+                      .caption = editor.backCaption,
+                      .place = {.in = "Foot"}});
+}
+
 }  // namespace
 
+// A class above 4 is the width of a screen that has no class.
 double TableFontScale(int screenClass) {
-  if (screenClass <= 2) return 1;
-  return screenClass == 3 ? 1.15 : 1.3;
+  if (screenClass == 4) return 1.3;
+  return screenClass == 3 || screenClass >= 1024 ? 1.15 : 1;
 }
 
 void AddHint(Editor& editor, const std::string& name, const std::string& caption, int widthChars) {
@@ -148,12 +161,15 @@ void BuildTable(Editor& editor) {
   Screen& screen = editor.screen;
   Add(screen, {.name = "Above", .kind = ControlKind::Row});
   if (table.rules.head) table.rules.head(table);
+  AddSide(table);
   Add(screen, {.name = "Body", .kind = ControlKind::Row});
   AddGrid(table);
-  AddSide(table);
-  Add(screen, {.name = "Hints", .kind = ControlKind::Column});
-  AddHint(editor, "KeysLine",
-          "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table.");
-  if (table.rules.lines) table.rules.lines(table);
-  AddFoot(editor);
+  if (IsLowScreen()) {
+    AddButtons(editor);
+    AddTexts(table);
+  } else {
+    AddTexts(table);
+    Add(screen, {.name = "FootSpace", .kind = ControlKind::Spacer});
+    AddButtons(editor);
+  }
 }

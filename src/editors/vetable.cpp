@@ -98,6 +98,7 @@ void DrawMarks(TableEditor& table) {
     Control& mark = *table.marks[static_cast<std::size_t>(cell)];
     SetCaption(mark, colour == Red ? "!!" : colour == Yellow ? "!" : "");
     SetBackColour(mark, colour == White ? SystemButtonFace : colour);
+    SetVisible(mark, colour != White);
   }
 }
 

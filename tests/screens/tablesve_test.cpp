@@ -436,6 +436,14 @@ TEST_F(VeTableTest, MarksFollowTheLoadDutyOfTheirCell) {
   EXPECT_EQ(Back("Mark(64)"), Yellow);
 }
 
+TEST_F(VeTableTest, AClickOnAMarkSelectsItsCell) {
+  PressKey("F5");
+  ASSERT_TRUE(ShownVisible(Up(), "Mark(64)"));
+  EXPECT_FALSE(ShownVisible(Up(), "Mark(1)"));
+  ClickOn(Up(), "Mark(64)");
+  EXPECT_EQ(Focused(), At(64));
+}
+
 // ---- live session -------------------------------------------------------------------------------
 
 TEST_F(VeTableTest, CellsAreYellowInASession) {
