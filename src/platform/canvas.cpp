@@ -21,6 +21,7 @@ void KeepAsBackground(Control& canvas) {
 
 void ClearForeground(Control& canvas) {
   canvas.drawing.primitives.resize(canvas.drawing.backgroundCount);
+  ++canvas.drawing.foreground;
   NativeControlChanged(canvas, ChangedDrawing);
 }
 

@@ -48,12 +48,14 @@ struct Primitive {
 
 // What stands on a canvas. The first `backgroundCount` primitives are the background, which the
 // platform may keep as a picture; the rest is drawn above it. `generation` counts the clears, so
-// that a platform can tell an append from a new picture.
+// that a platform can tell an append from a new picture; `foreground` counts those above a kept
+// background.
 struct Drawing {
   Colour paper = SystemWindow;
   std::vector<Primitive> primitives;
   std::size_t backgroundCount = 0;
   unsigned long generation = 0;
+  unsigned long foreground = 0;
 };
 
 struct Control;

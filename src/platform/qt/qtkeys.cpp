@@ -1,0 +1,332 @@
+// Looks at every key and mouse button before the toolkit's widgets do: the screen comes first.
+#include "platform/qt/qtkeys.h"
+
+#include <QApplication>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <vector>
+
+#include "platform/native.h"
+#include "platform/qt/qtbase.h"
+#include "platform/qt/qtcontrols.h"
+#include "platform/qt/qtframe.h"
+#include "platform/qt/qtscreen.h"
+
+namespace {
+
+// ---- from the toolkit's keys to ours ------------------------------------------------------------
+
+struct KeyRow {
+  int qt;
+  int key;
+};
+constexpr KeyRow KeyRows[] = {
+    {Qt::Key_Backspace, KeyBackspace},
+    {Qt::Key_Tab, KeyTab},
+    {Qt::Key_Backtab, KeyTab},
+    {Qt::Key_Return, KeyEnter},
+    {Qt::Key_Enter, KeyEnter},
+    {Qt::Key_Escape, KeyEscape},
+    {Qt::Key_Left, KeyLeft},
+    {Qt::Key_Up, KeyUp},
+    {Qt::Key_Right, KeyRight},
+    {Qt::Key_Down, KeyDown},
+    {Qt::Key_Home, KeyHome},
+    {Qt::Key_End, KeyEnd},
+    {Qt::Key_PageUp, KeyPageUp},
+    {Qt::Key_PageDown, KeyPageDown},
+    {Qt::Key_Insert, KeyInsert},
+    {Qt::Key_Delete, KeyDelete},
+    {Qt::Key_Shift, KeyShift},
+    {Qt::Key_Control, KeyControl},
+    {Qt::Key_Alt, KeyAlt},
+};
+
+int KeyOf(int qtKey) {
+  for (const KeyRow& row : KeyRows)
+    if (row.qt == qtKey) return row.key;
+  if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F12) return KeyF1 + (qtKey - Qt::Key_F1);
+  return qtKey > 0 && qtKey < 256 ? qtKey : KeyNone;
+}
+
+int CharacterOf(const QKeyEvent& event) {
+  QString text = event.text();
+  if (text.size() != 1) return 0;
+  char16_t character = text.front().unicode();
+  constexpr char16_t deleteKey = 127;
+  return character >= ' ' && character != deleteKey ? character : 0;
+}
+
+KeyEvent ToKeyEvent(const QKeyEvent& event) {
+  Qt::KeyboardModifiers held = event.modifiers();
+  KeyEvent key{.key = KeyOf(event.key()),
+               .ctrl = held.testFlag(Qt::ControlModifier),
+               .alt = held.testFlag(Qt::AltModifier),
+               .shift = held.testFlag(Qt::ShiftModifier),
+               .keypad = held.testFlag(Qt::KeypadModifier)};
+  key.character = CharacterOf(event);
+  // Both together write the third sign of a key on some keyboards.
+  if (key.ctrl && key.alt && key.character != 0) key.ctrl = key.alt = false;
+  if (key.ctrl || key.alt) key.character = 0;
+  return key;
+}
+
+bool IsMarkedLetter(const KeyEvent& key) { return key.alt && !key.ctrl && key.key < 256; }
+bool IsHotKey(const KeyEvent& key) { return key.ctrl && !key.alt && std::isupper(key.key); }
+
+// ---- who gets a key -----------------------------------------------------------------------------
+
+// Where a key that the toolkit sends to this widget belongs: a screen, or none for the frame
+// itself; nothing for menus, boxes, open lists and for a key on its way up to a parent.
+struct Receiver {
+  Screen* screen = nullptr;
+  QWidget* widget = nullptr;
+};
+
+std::optional<Receiver> ReceiverOf(QObject* watched) {
+  if (!watched->isWidgetType() || QApplication::activePopupWidget()) return std::nullopt;
+  auto* widget = static_cast<QWidget*>(watched);
+  QWidget* window = widget->window();
+  QWidget* focus = window->focusWidget();
+  if (focus ? focus != widget : window != widget) return std::nullopt;
+  if (qobject_cast<QMenuBar*>(widget) || qobject_cast<QMenu*>(widget)) return std::nullopt;
+  if (QtScreen* native = ScreenOfWidget(widget))
+    return native->screen ? std::optional(Receiver{native->screen, widget}) : std::nullopt;
+  if (window == FrameWindow()) return Receiver{ScreenInFrame(), widget};
+  return std::nullopt;
+}
+
+// ---- Tab and the arrows between buttons
+// -----------------------------------------------------------
+
+// Of radio buttons one of a container is reached by Tab: the checked one, if there is one.
+bool TabReaches(const Screen& screen, const Control& control) {
+  if (!TakesFocus(control) || !control.tabStop || !IsUsable(control)) return false;
+  if (control.kind != ControlKind::RadioButton || control.checked) return true;
+  return std::none_of(screen.controls.begin(), screen.controls.end(), [&](const Control& other) {
+    return other.kind == ControlKind::RadioButton && other.checked &&
+           other.place.in == control.place.in && IsUsable(other);
+  });
+}
+
+void MoveByTab(Screen& screen, bool forward) {
+  std::vector<Control*> order;
+  for (Control& control : screen.controls)
+    if (&control == screen.focus || TabReaches(screen, control)) order.push_back(&control);
+  if (order.empty()) return;
+  auto at = std::find(order.begin(), order.end(), screen.focus);
+  std::size_t count = order.size();
+  std::size_t index =
+      at == order.end() ? (forward ? count - 1 : 0) : static_cast<std::size_t>(at - order.begin());
+  UserFocus(*order[(index + (forward ? 1 : count - 1)) % count]);
+}
+
+void ChooseNextRadio(Screen& screen, Control& from, bool forward) {
+  std::vector<Control*> group;
+  for (Control& control : screen.controls)
+    if (control.kind == ControlKind::RadioButton && control.place.in == from.place.in &&
+        IsUsable(control))
+      group.push_back(&control);
+  auto at = std::find(group.begin(), group.end(), &from);
+  if (at == group.end() || group.size() < 2) return;
+  std::size_t index = static_cast<std::size_t>(at - group.begin());
+  UserClick(*group[(index + (forward ? 1 : group.size() - 1)) % group.size()]);
+}
+
+// What the toolkit would do with its own idea of order and groups. Result: whether it was one of
+// these keys.
+bool MoveBetweenControls(Screen& screen, const KeyEvent& key) {
+  if (key.ctrl || key.alt) return false;
+  if (key.key == KeyTab) {
+    MoveByTab(screen, !key.shift);
+    return true;
+  }
+  bool forward = key.key == KeyRight || key.key == KeyDown;
+  if (!forward && key.key != KeyLeft && key.key != KeyUp) return false;
+  Control* focus = screen.focus;
+  if (!focus) return false;
+  if (focus->kind == ControlKind::RadioButton)
+    ChooseNextRadio(screen, *focus, forward);
+  else if (focus->kind == ControlKind::Button || focus->kind == ControlKind::CheckBox)
+    MoveByTab(screen, forward);
+  else
+    return false;
+  return true;
+}
+
+// ---- the filter
+// -----------------------------------------------------------------------------------
+
+class Filter : public QObject {
+ public:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    switch (event->type()) {
+      case QEvent::ShortcutOverride:
+        return Override(watched, static_cast<QKeyEvent&>(*event));
+      case QEvent::KeyPress:
+        return KeyDown(watched, static_cast<QKeyEvent&>(*event));
+      case QEvent::KeyRelease:
+        return KeyUp(watched, static_cast<QKeyEvent&>(*event));
+      case QEvent::InputMethod:
+        return Composed(watched, static_cast<QInputMethodEvent&>(*event));
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonDblClick:
+        return MouseDown(watched);
+      case QEvent::MouseMove:
+        return swallowsMouse && watched->isWidgetType();
+      case QEvent::MouseButtonRelease:
+        return MouseUp(watched, static_cast<QMouseEvent&>(*event));
+      default:
+        return false;
+    }
+  }
+
+ private:
+  bool Override(QObject* watched, QKeyEvent& event);
+  bool KeyDown(QObject* watched, QKeyEvent& event);
+  bool KeyUp(QObject* watched, QKeyEvent& event);
+  bool Composed(QObject* watched, QInputMethodEvent& event);
+  bool MouseDown(QObject* watched);
+  bool MouseUp(QObject* watched, QMouseEvent& event);
+  bool PassOn(Screen& screen, QWidget& asked, const QKeyEvent& event, int character, bool changed);
+  void Send(QWidget& widget, QEvent& event);
+
+  bool passesOn = false;  // an event of our own to a widget: not looked at again
+  bool swallowsMouse = false;
+};
+
+// Accepted: the key comes as a key, and no shortcut of the menu bar or of a field takes it.
+bool Filter::Override(QObject* watched, QKeyEvent& event) {
+  auto receiver = ReceiverOf(watched);
+  if (!receiver) return false;
+  KeyEvent key = ToKeyEvent(event);
+  bool takes = IsHotKey(key) ||
+               (IsMarkedLetter(key) && receiver->screen && InputGetsThrough(*receiver->screen) &&
+                ScreenTakesAccelerator(*receiver->screen, key.key));
+  if (takes) event.accept();
+  return takes;
+}
+
+void Filter::Send(QWidget& widget, QEvent& event) {
+  passesOn = true;
+  QCoreApplication::sendEvent(&widget, &event);
+  passesOn = false;
+}
+
+// The toolkit's part of a key. Result: whether it has been done here.
+bool Filter::PassOn(Screen& screen, QWidget& asked, const QKeyEvent& event, int character,
+                    bool changed) {
+  Control* control = screen.focus;
+  QWidget* widget = control ? WidgetOf(*control) : nullptr;
+  CarryOutChanges();
+  if (!widget || (widget == &asked && !changed)) return false;
+  SettleFocus(screen);
+  QString text = changed ? QString(QChar(static_cast<char16_t>(character))) : event.text();
+  QKeyEvent copy(event.type(), event.key(), event.modifiers(), text, event.isAutoRepeat(),
+                 static_cast<quint16>(event.count()));
+  Send(*widget, copy);
+  return true;
+}
+
+bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
+  if (passesOn) return false;
+  auto receiver = ReceiverOf(watched);
+  if (!receiver) return false;
+  KeyEvent key = ToKeyEvent(event);
+  if (key.key == KeyNone && key.character == 0) return false;
+  NativeFrame frame;
+  CarryOutChanges();
+  int before = key.character;
+  Screen* screen = receiver->screen;
+  if (UserKeyDown(screen, key)) {
+    event.accept();
+    return true;
+  }
+  if (!screen || !screen->loaded || screen->closing) return false;
+  if (MoveBetweenControls(*screen, key)) return true;
+  bool changed = before != 0 && key.character != before;
+  return PassOn(*screen, *receiver->widget, event, key.character, changed);
+}
+
+bool Filter::KeyUp(QObject* watched, QKeyEvent& event) {
+  if (passesOn || event.isAutoRepeat()) return false;
+  auto receiver = ReceiverOf(watched);
+  if (!receiver || !receiver->screen || !InputGetsThrough(*receiver->screen)) return false;
+  NativeFrame frame;
+  KeyEvent key = ToKeyEvent(event);
+  UserKeyUp(receiver->screen, key);
+  return false;
+}
+
+// Characters that an input method has put together come to the screen one by one, as keys do.
+bool Filter::Composed(QObject* watched, QInputMethodEvent& event) {
+  auto receiver = ReceiverOf(watched);
+  if (!receiver || !receiver->screen || event.commitString().isEmpty()) return false;
+  NativeFrame frame;
+  for (QChar character : event.commitString()) {
+    int code = character.unicode();
+    QKeyEvent asKey(QEvent::KeyPress, code < 256 ? std::toupper(code) : Qt::Key_unknown,
+                    Qt::NoModifier, QString(character));
+    QWidget* focus = receiver->widget->window()->focusWidget();
+    if (focus && !KeyDown(focus, asKey)) Send(*focus, asKey);
+  }
+  QInputMethodEvent nothing;
+  Send(*receiver->widget, nothing);
+  return true;
+}
+
+QtControl* ControlAround(QWidget* widget) {
+  for (; widget; widget = widget->parentWidget())
+    if (QtControl* found = ControlOfWidget(widget)) return found;
+  return nullptr;
+}
+
+// A press asks the screen for the focus first; refused, nobody gets the press.
+bool Filter::MouseDown(QObject* watched) {
+  if (!watched->isWidgetType() || QApplication::activePopupWidget()) return false;
+  auto* widget = static_cast<QWidget*>(watched);
+  ForgetActivationWish();
+  swallowsMouse = false;
+  QtScreen* native = ScreenOfWidget(widget);
+  if (!native || !native->screen) return false;
+  NativeFrame frame;
+  Screen& screen = *native->screen;
+  if (!InputGetsThrough(screen)) return swallowsMouse = true;
+  if (ActiveScreen() != &screen) UserActivated(screen);
+  QtControl* control = ControlAround(widget);
+  if (control && control->control && TakesFocus(*control->control)) {
+    CarryOutChanges();
+    UserFocus(*control->control);
+    if (!control->control || screen.focus != control->control) swallowsMouse = true;
+  }
+  if (native->screen) SettleFocus(screen);
+  return swallowsMouse;
+}
+
+bool Filter::MouseUp(QObject* watched, QMouseEvent& event) {
+  if (!watched->isWidgetType()) return false;
+  if (swallowsMouse) {
+    swallowsMouse = false;
+    return true;
+  }
+  auto* widget = static_cast<QWidget*>(watched);
+  QtControl* native = ControlOfWidget(widget);
+  if (!native || !native->control || event.button() != Qt::LeftButton) return false;
+  ControlKind kind = native->control->kind;
+  if (kind != ControlKind::Label && kind != ControlKind::Picture) return false;
+  if (!widget->rect().contains(event.position().toPoint())) return false;
+  if (!InputGetsThrough(*native->control->owner)) return false;
+  NativeFrame frame;
+  UserClick(*native->control);
+  return true;
+}
+
+}  // namespace
+
+void ListenToKeys() { qApp->installEventFilter(Make<Filter>()); }

@@ -1,0 +1,4 @@
+// Keys and mouse buttons on their way to the toolkit.
+#pragma once
+
+void ListenToKeys();

@@ -1,0 +1,13 @@
+// The event queue as the other Qt files see it.
+#pragma once
+
+class QObject;
+
+// Asks for a turn of the queue: changes are carried out, waiting routines run.
+void ScheduleTurn();
+// Whether a turn is asked for that has not run yet (the test user waits for it).
+bool TurnWaits();
+// The object whose events the queue handles; parent of what lives as long as the program.
+QObject* QueueObject();
+// Start state of the queue: timers stopped, not ending.
+void ResetLoop();

@@ -1,0 +1,135 @@
+// The menu bar of the frame, from the entries of its record.
+#include "platform/qt/qtmenus.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/native.h"
+#include "platform/qt/qtbase.h"
+#include "platform/qt/qtframe.h"
+#include "platform/qt/qtscreen.h"
+
+namespace {
+
+struct Entry {
+  QAction* action = nullptr;
+  QMenu* menu = nullptr;  // when it has entries of its own
+  bool filled = false;
+};
+std::map<const MenuItem*, Entry> entries;
+
+// "Save   Ctrl+S" with three blanks or more becomes text and column.
+QString WithColumn(const std::string& caption) {
+  constexpr std::size_t blanksOfAColumn = 3;
+  std::size_t key = caption.rfind("Ctrl+");
+  if (key == std::string::npos) return ToQt(caption);
+  std::size_t end = caption.find_last_not_of(' ', key == 0 ? 0 : key - 1);
+  if (key == 0 || end == std::string::npos || key - end - 1 < blanksOfAColumn) return ToQt(caption);
+  return ToQt(caption.substr(0, end + 1)) + u'\t' + ToQt(caption.substr(key));
+}
+
+void ShowEntry(const MenuItem& item, QAction& action) {
+  action.setText(WithColumn(item.caption));
+  bool inert = item.items.empty() && !item.click;
+  action.setEnabled(item.enabled && !inert);
+  action.setVisible(item.visible);
+  if (item.checked) action.setCheckable(true);
+  if (action.isCheckable()) action.setChecked(item.checked);
+}
+
+void Trigger(MenuItem& item) {
+  NativeFrame frame;
+  UserMenu(item);
+  // The toolkit has flipped the mark by itself; the record decides.
+  auto found = entries.find(&item);
+  if (found != entries.end()) ShowEntry(item, *found->second.action);
+}
+
+void Fill(MenuItem& item);
+
+void AddEntry(QWidget& parent, MenuItem& item) {
+  Entry& entry = entries[&item];
+  if (item.items.empty()) {
+    entry.action = Make<QAction>(&parent);
+    QObject::connect(entry.action, &QAction::triggered, &parent, [&item] { Trigger(item); });
+  } else {
+    entry.menu = Make<QMenu>(&parent);
+    entry.action = entry.menu->menuAction();
+    entry.menu->setObjectName(ToQt(item.name));
+    QObject::connect(entry.menu, &QMenu::aboutToShow, &parent, [&item] { Fill(item); });
+  }
+  entry.action->setObjectName(ToQt(item.name));
+  ShowEntry(item, *entry.action);
+  parent.addAction(entry.action);
+}
+
+void Fill(MenuItem& item) {
+  Entry& entry = entries[&item];
+  if (entry.filled || !entry.menu) return;
+  entry.filled = true;
+  for (MenuItem& below : item.items) {
+    if (below.separatorBefore) entry.menu->addSeparator();
+    AddEntry(*entry.menu, below);
+  }
+}
+
+void ForgetMenus(QMenuBar& bar) {
+  for (QAction* action : bar.actions()) bar.removeAction(action);
+  for (auto& [item, entry] : entries)
+    if (entry.menu)
+      entry.menu->deleteLater();
+    else
+      entry.action->deleteLater();
+  entries.clear();
+}
+
+bool Holds(const MenuItem& at, const MenuItem& wanted) {
+  if (&at == &wanted) return true;
+  return std::any_of(at.items.begin(), at.items.end(),
+                     [&](const MenuItem& below) { return Holds(below, wanted); });
+}
+
+// Fills the menus on the way down to an entry.
+void FillTowards(std::vector<MenuItem>& items, const MenuItem& wanted) {
+  for (MenuItem& item : items) {
+    if (!Holds(item, wanted)) continue;
+    Fill(item);
+    FillTowards(item.items, wanted);
+  }
+}
+
+}  // namespace
+
+void BuildMenus(QMenuBar& bar, Frame& frame) {
+  ForgetMenus(bar);
+  for (MenuItem& item : frame.menus) AddEntry(bar, item);
+}
+
+QAction* ActionOf(const MenuItem& item) {
+  if (Frame* frame = TheFrame()) FillTowards(frame->menus, item);
+  auto found = entries.find(&item);
+  return found != entries.end() ? found->second.action : nullptr;
+}
+
+void NativeMenuChanged(Frame&, MenuItem& item) {
+  auto found = entries.find(&item);
+  if (found != entries.end()) ShowEntry(item, *found->second.action);
+}
+
+void NativePopUpMenu(Frame&, MenuItem& item) {
+  ActionOf(item);
+  auto found = entries.find(&item);
+  if (found == entries.end() || !found->second.menu) return;
+  Screen* active = ActiveScreen();
+  auto* native = active ? static_cast<QtScreen*>(active->native) : nullptr;
+  QWidget* over = native ? native->page : FrameWindow();
+  if (!over) return;
+  constexpr int inset = 24;
+  found->second.menu->popup(over->mapToGlobal(QPoint(inset, inset)));
+}

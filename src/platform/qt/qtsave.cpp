@@ -1,0 +1,150 @@
+// A save that leaves either the old file or the new one, whatever happens in the middle.
+#include <cerrno>
+
+#include "platform/failure.h"
+#include "platform/files.h"
+#include "platform/qt/qtbase.h"
+#include "platform/qt/qtdisk.h"
+
+#ifdef _WIN32
+#include <QSaveFile>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void SaveInPlace(const std::string& path, std::span<const std::uint8_t> bytes) {
+  FileHandle file = OpenFile(path, FileMode::Write);
+  try {
+    WriteFile(file, bytes);
+  } catch (const Failure&) {
+    CloseFile(file);
+    throw;
+  }
+  CloseFile(file);
+}
+
+#ifdef _WIN32
+
+void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
+  QSaveFile file(ToQt(DiskText(target)));
+  if (!file.open(QIODevice::WriteOnly)) RaiseFailure(FailurePermissionDenied);
+  auto size = static_cast<qint64>(bytes.size());
+  bool written = file.write(reinterpret_cast<const char*>(bytes.data()), size) == size;
+  // A small file that does not fit is only noticed by flushing it.
+  if (!written || !file.flush()) RaiseFailure(FailureDiskFull);
+  if (!file.commit()) RaiseFailure(FailureDeviceIo);
+}
+
+#else
+
+// Names of the files that are written beside a target: its own, hidden, with these around it.
+constexpr const char* StrayBegin = ".";
+constexpr const char* StrayEnd = ".halvane2-save";
+
+class Descriptor {
+ public:
+  explicit Descriptor(int openedFile) : file(openedFile) {}
+  ~Descriptor() { Close(); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Number() const { return file; }
+  bool Close() {
+    int closing = file;
+    file = -1;
+    return closing < 0 || ::close(closing) == 0;
+  }
+
+ private:
+  int file;
+};
+
+void WriteAll(int file, std::span<const std::uint8_t> bytes, const std::string& path) {
+  while (!bytes.empty()) {
+    ssize_t count = ::write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) RaiseDiskFailure(errno, path);
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+}
+
+// The new file takes over who may do what with the old one.
+void TakeOverRights(int file, const fs::path& target) {
+  struct stat old = {};
+  if (::stat(target.c_str(), &old) != 0) return;
+  // Only root can give a file away; everybody else keeps what he may do with his own.
+  [[maybe_unused]] int owner = ::fchown(file, old.st_uid, old.st_gid);
+  ::fchmod(file, old.st_mode & 07777);
+}
+
+void SyncFolder(const fs::path& folder) {
+  Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.Number() >= 0 && ::fsync(opened.Number()) != 0 && errno == EIO)
+    RaiseFailure(FailureDeviceIo);
+}
+
+// Writes the whole file under a name of its own and makes it durable.
+void WriteNew(const fs::path& name, const fs::path& target, std::span<const std::uint8_t> bytes) {
+  constexpr mode_t readAndWrite = 0666;
+  Descriptor file(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite));
+  if (file.Number() < 0) RaiseDiskFailure(errno, DiskText(name));
+  WriteAll(file.Number(), bytes, DiskText(name));
+  TakeOverRights(file.Number(), target);
+  if (::fsync(file.Number()) != 0) RaiseDiskFailure(errno, DiskText(name));
+  if (!file.Close()) RaiseDiskFailure(errno, DiskText(name));
+}
+
+void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
+  fs::path folder = target.parent_path();
+  std::string beside = StrayBegin;
+  beside.append(target.filename().string()).append(StrayEnd);
+  fs::path name = folder / beside;
+  std::error_code ignored;
+  fs::remove(name, ignored);  // what a killed save has left
+  try {
+    WriteNew(name, target, bytes);
+    if (::rename(name.c_str(), target.c_str()) != 0) RaiseDiskFailure(errno, DiskText(target));
+  } catch (const Failure&) {
+    fs::remove(name, ignored);
+    throw;
+  }
+  SyncFolder(folder);
+}
+
+#endif
+
+// Where a chain of links ends, also when nothing is there yet.
+fs::path TargetOf(const fs::path& path) {
+  constexpr int linksAtMost = 40;
+  std::error_code error;
+  fs::path at = fs::absolute(path, error);
+  for (int links = 0; links < linksAtMost && fs::is_symlink(at, error); ++links) {
+    fs::path to = fs::read_symlink(at, error);
+    at = to.is_absolute() ? to : at.parent_path() / to;
+  }
+  return at;
+}
+
+}  // namespace
+
+void SaveWholeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+  RefuseWhatIsNoFile(path);
+  RefuseReadOnly(path);
+  fs::path target = TargetOf(DiskPath(path));
+  std::error_code error;
+  bool special = fs::exists(target, error) && !fs::is_regular_file(target, error);
+#ifndef _WIN32
+  // Replacing would get round a file of somebody else that may not be written.
+  if (fs::exists(target, error) && ::access(target.c_str(), W_OK) != 0)
+    RaiseDiskFailure(errno, path);
+#endif
+  if (special)
+    SaveInPlace(path, bytes);
+  else
+    SaveBeside(target, bytes);
+}

@@ -1,0 +1,36 @@
+// The windows and pages that screens stand on.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "platform/qt/qtcontrols.h"
+#include "platform/screen.h"
+
+// What Screen::native points to. `screen` is null once it has been released.
+struct QtScreen {
+  Screen* screen = nullptr;
+  QWidget* page = nullptr;    // heading and scrolled content; what a window or the frame holds
+  QWidget* root = nullptr;    // holds the controls; has the keys when no control has them
+  QWidget* window = nullptr;  // its own window, or its small window inside the frame; null for Work
+  std::deque<QtControl> controls;
+};
+
+// Whether the user reaches the screen: it and, inside the frame, the frame are enabled.
+bool InputGetsThrough(const Screen& screen);
+// The screen whose page or window the widget stands on, or null.
+QtScreen* ScreenOfWidget(const QWidget* widget);
+// Moves the toolkit's focus to where the record says.
+void SettleFocus(Screen& screen);
+// Deletes released screens, unless a native routine of one may be on the stack.
+void ReleaseScreens();
+// A window of ours got the keys: whether that is the one that was asked for last.
+bool ActivationCounts(const QWidget& window);
+void WishActivation(QWidget& window);
+// A press of the mouse decides anew.
+void ForgetActivationWish();
+// The screen inside the frame that has the keys when the frame's window has them, or null.
+Screen* ScreenInFrame();

@@ -1,0 +1,144 @@
+// Fusion on every desktop, with the desktop's colours; marked letters are always underlined.
+#include "platform/qt/qtstyle.h"
+
+#include <QApplication>
+#include <QProxyStyle>
+#include <QStyleFactory>
+#include <QWidget>
+
+#include "platform/qt/qtbase.h"
+#include "platform/screen.h"
+
+namespace {
+
+class ScreenStyle : public QProxyStyle {
+ public:
+  ScreenStyle() : QProxyStyle(QStyleFactory::create("Fusion")) {}
+
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    switch (hint) {
+      case SH_UnderlineShortcut:
+        return 1;
+      case SH_DialogButtonBox_ButtonsHaveIcons:
+      case SH_ComboBox_Popup:
+        return 0;
+      default:
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+  }
+};
+
+double Luminance(const QColor& colour) {
+  return 0.299 * colour.redF() + 0.587 * colour.greenF() + 0.114 * colour.blueF();
+}
+
+bool IsPlain(const Control& control) {
+  switch (control.kind) {
+    case ControlKind::TextField:
+    case ControlKind::TextArea:
+    case ControlKind::ListBox:
+    case ControlKind::TreeView:
+    case ControlKind::DropDownList:
+      return control.backColour == SystemWindow && control.foreColour == SystemWindowText;
+    default:
+      return control.backColour == SystemButtonFace && control.foreColour == SystemButtonText;
+  }
+}
+
+// Texts of a disabled control stay grey: the disabled group keeps the theme's text colours.
+void SetText(QPalette& palette, const QColor& colour) {
+  for (auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    palette.setColor(QPalette::Active, role, colour);
+    palette.setColor(QPalette::Inactive, role, colour);
+  }
+}
+
+}  // namespace
+
+void PrepareStyle() {
+  // Loading the desktop's theme plugin costs more than the rest of the start together; its file
+  // dialogs and icons are not used.
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORMTHEME"))
+    qputenv("QT_QPA_PLATFORMTHEME", "generic");
+  if (qEnvironmentVariableIsEmpty("QT_ACCESSIBILITY")) return;
+}
+
+void ApplyStyle() { QApplication::setStyle(Make<ScreenStyle>()); }
+
+QColor ToQColor(Colour colour) {
+  switch (colour) {
+    case SystemWindow:
+      return QApplication::palette().color(QPalette::Base);
+    case SystemWindowText:
+      return QApplication::palette().color(QPalette::Text);
+    case SystemButtonFace:
+      return QApplication::palette().color(QPalette::Window);
+    case SystemButtonText:
+      return QApplication::palette().color(QPalette::WindowText);
+    case SystemHighlight:
+      return QApplication::palette().color(QPalette::Highlight);
+    default:
+      return QColor(static_cast<int>(RedOf(colour)), static_cast<int>(GreenOf(colour)),
+                    static_cast<int>(BlueOf(colour)));
+  }
+}
+
+QColor ReadableOn(const QColor& ground) {
+  return Luminance(ground) > 0.5 ? QColor(Qt::black) : QColor(Qt::white);
+}
+
+Colour GroundOf(const Control& control) {
+  const Control* at = &control;
+  while (at) {
+    if (at->backColour != SystemButtonFace) return at->backColour;
+    if (!at->owner) return SystemButtonFace;
+    if (at->place.in.empty()) return at->owner->backColour;
+    at = Find(*at->owner, at->place.in);
+  }
+  return SystemButtonFace;
+}
+
+QColor TextColourOf(const Control& control) {
+  Colour ground = GroundOf(control);
+  bool onButton = control.kind == ControlKind::Button && control.backColour == SystemButtonFace;
+  if (IsRole(control.foreColour) && !IsRole(ground) && !onButton)
+    return ReadableOn(ToQColor(ground));
+  return ToQColor(control.foreColour);
+}
+
+QFont FontOfSize(double pointSize, bool bold) {
+  QFont font = QApplication::font();
+  if (pointSize > 0) font.setPointSizeF(pointSize);
+  if (bold) font.setBold(true);
+  return font;
+}
+
+QFont FontOf(const Control& control) {
+  return FontOfSize(QApplication::font().pointSizeF() * control.fontScale, control.bold);
+}
+
+void ApplyColours(const Control& control, QWidget& widget) {
+  bool plain = IsPlain(control) && (!control.owner || IsRole(GroundOf(control)));
+  bool wasPlain = !widget.testAttribute(Qt::WA_SetPalette);
+  if (plain && wasPlain) return;
+  if (plain) {
+    widget.setPalette(QPalette());
+    widget.setAutoFillBackground(false);
+    return;
+  }
+  QPalette palette;
+  SetText(palette, TextColourOf(control));
+  bool ownGround = control.backColour != SystemButtonFace;
+  if (ownGround) {
+    QColor back = ToQColor(control.backColour);
+    palette.setColor(QPalette::Window, back);
+    palette.setColor(QPalette::Base, back);
+    if (!IsRole(control.backColour)) palette.setColor(QPalette::Button, back);
+  }
+  widget.setPalette(palette);
+  bool fills = control.kind == ControlKind::Label || control.kind == ControlKind::RadioButton ||
+               control.kind == ControlKind::CheckBox || control.kind == ControlKind::Row ||
+               control.kind == ControlKind::Column || control.kind == ControlKind::Grid;
+  widget.setAutoFillBackground(fills && ownGround);
+}

@@ -1,0 +1,26 @@
+// The look of the desktop: style, palette, colours of the records.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPalette>
+
+#include "platform/colour.h"
+
+struct Control;
+class QWidget;
+
+// Before and after the application object exists.
+void PrepareStyle();
+void ApplyStyle();
+
+QColor ToQColor(Colour colour);
+// A text colour that can be read on this ground.
+QColor ReadableOn(const QColor& ground);
+// The text colour of a control on the ground that it really stands on.
+QColor TextColourOf(const Control& control);
+// The nearest explicit back colour around a control, its own included, or a role.
+Colour GroundOf(const Control& control);
+QFont FontOf(const Control& control);
+QFont FontOfSize(double pointSize, bool bold);
+void ApplyColours(const Control& control, QWidget& widget);
