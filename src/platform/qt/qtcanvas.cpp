@@ -128,7 +128,7 @@ void Canvas::resizeEvent(QResizeEvent* event) {
 
 void Canvas::Tell(QMouseEvent& event, MouseEvent::Kind kind) {
   Control* control = Record();
-  if (!control || !InputGetsThrough(*control->owner)) return;
+  if (!control || !UserReaches(*control->owner)) return;
   NativeFrame frame;
   QPointF at = event.position() - QPointF(contentsRect().topLeft());
   Qt::MouseButtons held = kind == MouseEvent::Move ? event.buttons() : event.button();

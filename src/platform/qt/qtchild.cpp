@@ -66,7 +66,7 @@ class ChildWindow : public QFrame {
   }
 
   void CloseByUser() {
-    if (!native.screen || !InputGetsThrough(*native.screen)) return;
+    if (!native.screen || !UserReaches(*native.screen)) return;
     NativeFrame frame;
     UserCloseBox(*native.screen);
   }

@@ -109,6 +109,27 @@ void ShowCaption(const Control& control, QWidget& widget) {
   widget.setAccessibleName(ToQt(AccessibleName(control)));
 }
 
+void ShowNodes(const Control& control, Tree& tree) {
+  tree.clear();
+  std::map<std::string, QTreeWidgetItem*> byKey;
+  for (std::size_t i = 0; i < control.nodes.size(); ++i) {
+    const TreeNode& node = control.nodes[i];
+    auto parent = byKey.find(node.parent);
+    auto* item = node.parent.empty() || parent == byKey.end()
+                     ? Make<QTreeWidgetItem>(&tree)
+                     : Make<QTreeWidgetItem>(parent->second);
+    item->setText(0, ToQt(node.text));
+    item->setData(0, Qt::UserRole, static_cast<int>(i));
+    QPixmap icon = node.icon.empty() ? QPixmap() : PictureNamed(node.icon);
+    if (!icon.isNull()) item->setIcon(0, icon);
+    // Drawn only: a disabled item would not tell of a double click.
+    if (!node.enabled)
+      item->setForeground(0, tree.palette().brush(QPalette::Disabled, QPalette::Text));
+    byKey[node.key] = item;
+  }
+  tree.expandAll();
+}
+
 void ShowItems(const Control& control, QWidget& widget) {
   QStringList items;
   for (const std::string& item : control.items) items << ToQt(item);
@@ -121,24 +142,9 @@ void ShowItems(const Control& control, QWidget& widget) {
     auto& list = static_cast<List&>(widget);
     list.clear();
     list.addItems(items);
+  } else if (control.kind == ControlKind::TreeView) {
+    ShowNodes(control, static_cast<Tree&>(widget));
   }
-}
-
-void ShowNodes(const Control& control, Tree& tree) {
-  std::map<std::string, QTreeWidgetItem*> byKey;
-  for (std::size_t i = 0; i < control.nodes.size(); ++i) {
-    const TreeNode& node = control.nodes[i];
-    auto parent = byKey.find(node.parent);
-    auto* item = node.parent.empty() || parent == byKey.end()
-                     ? Make<QTreeWidgetItem>(&tree)
-                     : Make<QTreeWidgetItem>(parent->second);
-    item->setText(0, ToQt(node.text));
-    item->setData(0, Qt::UserRole, static_cast<int>(i));
-    QPixmap icon = node.icon.empty() ? QPixmap() : PictureNamed(node.icon);
-    if (!icon.isNull()) item->setIcon(0, icon);
-    byKey[node.key] = item;
-  }
-  tree.expandAll();
 }
 
 QTreeWidgetItem* NodeItem(Tree& tree, int index) {
@@ -319,10 +325,18 @@ QWidget* CreateWidget(QtControl& native, QWidget* parent) {
   widget->setObjectName(ToQt(control.name));
   if (control.fontScale != 1 || control.bold) widget->setFont(FontOf(control));
   SetFocusPolicy(control, *widget);
-  if (control.kind == ControlKind::TreeView) ShowNodes(control, static_cast<Tree&>(*widget));
-  control.changes = 0;
-  Apply(native, ShowsEverything);
   return widget;
+}
+
+void ShowRecord(QtControl& native) {
+  ForgetChanges(*native.control);
+  Apply(native, ShowsEverything);
+}
+
+void ShowSelectionOf(QtControl& native) {
+  native.applying = true;
+  ShowSelection(*native.control, *native.widget);
+  native.applying = false;
 }
 
 // ---- changes ------------------------------------------------------------------------------------
@@ -363,7 +377,7 @@ QString ShownOn(const Control& control) {
   if (!widget) return {};
   switch (control.kind) {
     case ControlKind::Label:
-      return static_cast<Caption*>(widget)->Text();
+      return ToQt(PlainCaption(FromQt(static_cast<Caption*>(widget)->Text())));
     case ControlKind::TextField:
       return static_cast<Field*>(widget)->text();
     case ControlKind::TextArea:
@@ -371,7 +385,7 @@ QString ShownOn(const Control& control) {
     case ControlKind::Button:
     case ControlKind::RadioButton:
     case ControlKind::CheckBox:
-      return static_cast<QAbstractButton*>(widget)->text();
+      return ToQt(PlainCaption(FromQt(static_cast<QAbstractButton*>(widget)->text())));
     case ControlKind::DropDownList:
       return static_cast<DropDown*>(widget)->currentText();
     case ControlKind::ListBox: {

@@ -15,8 +15,12 @@ struct QtControl {
   bool applying = false;  // the program sets the widget: what it tells is no action of the user
 };
 
-// The widget of a control, with everything of the record on it; null for a control without one.
+// The bare widget of a control; ShowRecord fills it.
 QWidget* CreateWidget(QtControl& native, QWidget* parent);
+// Puts cursor and selection of the record on the widget.
+void ShowSelectionOf(QtControl& native);
+// Everything of the record, as it stands now.
+void ShowRecord(QtControl& native);
 // Connects what the user does on it.
 void ListenToWidget(QtControl& native);
 // Carries out the changes of all controls that have been collected.

@@ -114,10 +114,7 @@ template <typename Wanted>
 std::vector<std::string> NamesIn(const std::string& folder, Wanted wanted) {
   std::error_code error;
   fs::directory_iterator at(DiskPath(folder), error);
-  if (error) {
-    bool denied = error == std::errc::permission_denied;
-    RaiseFailure(denied ? FailurePermissionDenied : FailurePathNotFound);
-  }
+  if (error == std::errc::permission_denied) RaiseFailure(FailurePermissionDenied);
   std::vector<std::string> names;
   for (; !error && at != fs::directory_iterator(); at.increment(error)) {
     std::string name = DiskText(at->path().filename());
@@ -141,20 +138,16 @@ bool FolderExists(const std::string& path) {
 }
 
 void CopyFile(const std::string& from, const std::string& to) {
-  RefuseWhatIsNoFile(from);
-  RefuseWhatIsNoFile(to);
-  RefuseReadOnly(to);
-  std::error_code error;
-  fs::copy_file(DiskPath(from), DiskPath(to), fs::copy_options::overwrite_existing, error);
-  if (!error) return;
-  bool source = !FileExists(from);
-  RaiseDiskFailure(error.value(), source ? from : to);
+  SaveWholeFile(to, ReadWholeFile(from));
 }
 
+// A link goes, not what it points to.
 void DeleteFile(const std::string& path) {
-  RefuseWhatIsNoFile(path);
-  RefuseReadOnly(path);
   std::error_code error;
+  if (!fs::is_symlink(DiskPath(path), error)) {
+    RefuseWhatIsNoFile(path);
+    RefuseReadOnly(path);
+  }
   bool removed = fs::remove(DiskPath(path), error);
   if (error) RaiseDiskFailure(error.value(), path);
   if (!removed) RaiseDiskFailure(ENOENT, path);

@@ -18,6 +18,7 @@ struct Closer {
 };
 struct OpenedFile {
   std::unique_ptr<std::FILE, Closer> file;
+  FileMode mode = FileMode::Read;
   enum { Nothing, Reading, Writing } last = Nothing;  // a turn between them needs a seek
 };
 
@@ -25,14 +26,15 @@ std::map<FileHandle, OpenedFile> openFiles;
 FileHandle lastHandle = 0;
 
 OpenedFile& Opened(FileHandle handle) {
-  constexpr int badFileNumber = 52;
   auto found = openFiles.find(handle);
-  if (found == openFiles.end()) RaiseFailure(badFileNumber, "Bad file name or number");
+  if (found == openFiles.end()) RaiseFailure(FailureDeviceIo);
   return found->second;
 }
 
 std::FILE* ForReading(FileHandle handle) {
   OpenedFile& opened = Opened(handle);
+  if (opened.mode == FileMode::Write || opened.mode == FileMode::Append)
+    RaiseFailure(FailureDeviceIo);
   if (opened.last == OpenedFile::Writing) std::fseek(opened.file.get(), 0, SEEK_CUR);
   opened.last = OpenedFile::Reading;
   return opened.file.get();
@@ -40,6 +42,7 @@ std::FILE* ForReading(FileHandle handle) {
 
 std::FILE* ForWriting(FileHandle handle) {
   OpenedFile& opened = Opened(handle);
+  if (opened.mode == FileMode::Read) RaiseFailure(FailureDeviceIo);
   if (opened.last == OpenedFile::Reading) std::fseek(opened.file.get(), 0, SEEK_CUR);
   opened.last = OpenedFile::Writing;
   return opened.file.get();
@@ -78,7 +81,7 @@ FileHandle OpenFile(const std::string& path, FileMode mode) {
   errno = 0;
   std::FILE* file = OpenInMode(path, mode);
   if (!file) RaiseDiskFailure(errno, path);
-  openFiles[++lastHandle] = {std::unique_ptr<std::FILE, Closer>(file)};
+  openFiles[++lastHandle] = {std::unique_ptr<std::FILE, Closer>(file), mode};
   return lastHandle;
 }
 
@@ -106,6 +109,7 @@ void WriteFile(FileHandle file, std::span<const std::uint8_t> bytes) {
 void SeekFile(FileHandle file, std::int64_t position) {
   OpenedFile& opened = Opened(file);
   opened.last = OpenedFile::Nothing;
+  if (position < 0) RaiseFailure(FailureDeviceIo);
   errno = 0;
 #ifdef _WIN32
   int failed = _fseeki64(opened.file.get(), position, SEEK_SET);

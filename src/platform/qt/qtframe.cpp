@@ -53,7 +53,7 @@ class MainWindow : public QMainWindow {
       NativeFrame native;
       if (Screen* screen = ScreenInFrame()) {
         UserActivated(*screen);
-        SettleFocus(*screen);
+        FocusByRecord(*screen);
       }
     }
     return QMainWindow::event(event);

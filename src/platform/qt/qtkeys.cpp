@@ -7,10 +7,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
-#include <algorithm>
 #include <cctype>
 #include <optional>
-#include <vector>
 
 #include "platform/native.h"
 #include "platform/qt/qtbase.h"
@@ -82,8 +80,8 @@ bool IsHotKey(const KeyEvent& key) { return key.ctrl && !key.alt && std::isupper
 
 // ---- who gets a key -----------------------------------------------------------------------------
 
-// Where a key that the toolkit sends to this widget belongs: a screen, or none for the frame
-// itself; nothing for menus, boxes, open lists and for a key on its way up to a parent.
+// Where a key that the toolkit sends to this widget belongs: to the screen that has the keys, or to
+// none, the frame; nothing for menus, boxes, open lists and for a key on its way up to a parent.
 struct Receiver {
   Screen* screen = nullptr;
   QWidget* widget = nullptr;
@@ -96,68 +94,9 @@ std::optional<Receiver> ReceiverOf(QObject* watched) {
   QWidget* focus = window->focusWidget();
   if (focus ? focus != widget : window != widget) return std::nullopt;
   if (qobject_cast<QMenuBar*>(widget) || qobject_cast<QMenu*>(widget)) return std::nullopt;
-  if (QtScreen* native = ScreenOfWidget(widget))
-    return native->screen ? std::optional(Receiver{native->screen, widget}) : std::nullopt;
-  if (window == FrameWindow()) return Receiver{ScreenInFrame(), widget};
-  return std::nullopt;
-}
-
-// ---- Tab and the arrows between buttons
-// -----------------------------------------------------------
-
-// Of radio buttons one of a container is reached by Tab: the checked one, if there is one.
-bool TabReaches(const Screen& screen, const Control& control) {
-  if (!TakesFocus(control) || !control.tabStop || !IsUsable(control)) return false;
-  if (control.kind != ControlKind::RadioButton || control.checked) return true;
-  return std::none_of(screen.controls.begin(), screen.controls.end(), [&](const Control& other) {
-    return other.kind == ControlKind::RadioButton && other.checked &&
-           other.place.in == control.place.in && IsUsable(other);
-  });
-}
-
-void MoveByTab(Screen& screen, bool forward) {
-  std::vector<Control*> order;
-  for (Control& control : screen.controls)
-    if (&control == screen.focus || TabReaches(screen, control)) order.push_back(&control);
-  if (order.empty()) return;
-  auto at = std::find(order.begin(), order.end(), screen.focus);
-  std::size_t count = order.size();
-  std::size_t index =
-      at == order.end() ? (forward ? count - 1 : 0) : static_cast<std::size_t>(at - order.begin());
-  UserFocus(*order[(index + (forward ? 1 : count - 1)) % count]);
-}
-
-void ChooseNextRadio(Screen& screen, Control& from, bool forward) {
-  std::vector<Control*> group;
-  for (Control& control : screen.controls)
-    if (control.kind == ControlKind::RadioButton && control.place.in == from.place.in &&
-        IsUsable(control))
-      group.push_back(&control);
-  auto at = std::find(group.begin(), group.end(), &from);
-  if (at == group.end() || group.size() < 2) return;
-  std::size_t index = static_cast<std::size_t>(at - group.begin());
-  UserClick(*group[(index + (forward ? 1 : group.size() - 1)) % group.size()]);
-}
-
-// What the toolkit would do with its own idea of order and groups. Result: whether it was one of
-// these keys.
-bool MoveBetweenControls(Screen& screen, const KeyEvent& key) {
-  if (key.ctrl || key.alt) return false;
-  if (key.key == KeyTab) {
-    MoveByTab(screen, !key.shift);
-    return true;
-  }
-  bool forward = key.key == KeyRight || key.key == KeyDown;
-  if (!forward && key.key != KeyLeft && key.key != KeyUp) return false;
-  Control* focus = screen.focus;
-  if (!focus) return false;
-  if (focus->kind == ControlKind::RadioButton)
-    ChooseNextRadio(screen, *focus, forward);
-  else if (focus->kind == ControlKind::Button || focus->kind == ControlKind::CheckBox)
-    MoveByTab(screen, forward);
-  else
-    return false;
-  return true;
+  if (window != FrameWindow() && !ScreenOfWidget(widget)) return std::nullopt;
+  Screen* dialog = OpenDialogScreen();
+  return Receiver{dialog ? dialog : ActiveScreen(), widget};
 }
 
 // ---- the filter
@@ -206,9 +145,9 @@ bool Filter::Override(QObject* watched, QKeyEvent& event) {
   auto receiver = ReceiverOf(watched);
   if (!receiver) return false;
   KeyEvent key = ToKeyEvent(event);
-  bool takes = IsHotKey(key) ||
-               (IsMarkedLetter(key) && receiver->screen && InputGetsThrough(*receiver->screen) &&
-                ScreenTakesAccelerator(*receiver->screen, key.key));
+  bool takes =
+      IsHotKey(key) || (IsMarkedLetter(key) && receiver->screen && UserReaches(*receiver->screen) &&
+                        ScreenTakesAccelerator(*receiver->screen, key.key));
   if (takes) event.accept();
   return takes;
 }
@@ -226,7 +165,7 @@ bool Filter::PassOn(Screen& screen, QWidget& asked, const QKeyEvent& event, int 
   QWidget* widget = control ? WidgetOf(*control) : nullptr;
   CarryOutChanges();
   if (!widget || (widget == &asked && !changed)) return false;
-  SettleFocus(screen);
+  FocusByRecord(screen);
   QString text = changed ? QString(QChar(static_cast<char16_t>(character))) : event.text();
   QKeyEvent copy(event.type(), event.key(), event.modifiers(), text, event.isAutoRepeat(),
                  static_cast<quint16>(event.count()));
@@ -249,7 +188,6 @@ bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
     return true;
   }
   if (!screen || !screen->loaded || screen->closing) return false;
-  if (MoveBetweenControls(*screen, key)) return true;
   bool changed = before != 0 && key.character != before;
   return PassOn(*screen, *receiver->widget, event, key.character, changed);
 }
@@ -257,7 +195,7 @@ bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
 bool Filter::KeyUp(QObject* watched, QKeyEvent& event) {
   if (passesOn || event.isAutoRepeat()) return false;
   auto receiver = ReceiverOf(watched);
-  if (!receiver || !receiver->screen || !InputGetsThrough(*receiver->screen)) return false;
+  if (!receiver || !receiver->screen || !UserReaches(*receiver->screen)) return false;
   NativeFrame frame;
   KeyEvent key = ToKeyEvent(event);
   UserKeyUp(receiver->screen, key);
@@ -297,7 +235,7 @@ bool Filter::MouseDown(QObject* watched) {
   if (!native || !native->screen) return false;
   NativeFrame frame;
   Screen& screen = *native->screen;
-  if (!InputGetsThrough(screen)) return swallowsMouse = true;
+  if (!UserReaches(screen)) return swallowsMouse = true;
   if (ActiveScreen() != &screen) UserActivated(screen);
   QtControl* control = ControlAround(widget);
   if (control && control->control && TakesFocus(*control->control)) {
@@ -305,7 +243,7 @@ bool Filter::MouseDown(QObject* watched) {
     UserFocus(*control->control);
     if (!control->control || screen.focus != control->control) swallowsMouse = true;
   }
-  if (native->screen) SettleFocus(screen);
+  if (native->screen) FocusByRecord(screen);
   return swallowsMouse;
 }
 
@@ -321,7 +259,7 @@ bool Filter::MouseUp(QObject* watched, QMouseEvent& event) {
   ControlKind kind = native->control->kind;
   if (kind != ControlKind::Label && kind != ControlKind::Picture) return false;
   if (!widget->rect().contains(event.position().toPoint())) return false;
-  if (!InputGetsThrough(*native->control->owner)) return false;
+  if (!UserReaches(*native->control->owner)) return false;
   NativeFrame frame;
   UserClick(*native->control);
   return true;

@@ -11,7 +11,7 @@ namespace {
 // screen, or where no input gets through.
 template <typename Routine>
 void FromUser(QtControl& native, Routine routine) {
-  if (native.applying || !native.control || !InputGetsThrough(*native.control->owner)) return;
+  if (native.applying || !native.control || !UserReaches(*native.control->owner)) return;
   NativeFrame frame;
   routine(*native.control);
 }
@@ -36,10 +36,14 @@ void ListenToField(QtControl& native, Field& field) {
                      });
                    });
   auto tell = [&native, &field, position, length] {
+    if (field.losesKeys) return;
     TellSelection(native, field.text(), position(), length());
   };
   QObject::connect(&field, &QLineEdit::selectionChanged, &field, tell);
   QObject::connect(&field, &QLineEdit::cursorPositionChanged, &field, tell);
+  field.gotKeys = [&native] {
+    if (native.control) ShowSelectionOf(native);
+  };
   field.released = [&native] { FromUser(native, [](Control& control) { UserClick(control); }); };
 }
 

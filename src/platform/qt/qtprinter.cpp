@@ -88,6 +88,11 @@ void PrintAt(int column, const std::string& text) {
   NeedPage();
   QString words = ToQt(text);
   double x = (column - 1) * document->columnWidth;
+  if (x < document->end - document->columnWidth / 2) {
+    PrintLine();
+    if (PrinterLine() >= PrinterLinesPerPage()) PrinterNewPage();
+    NeedPage();
+  }
   QFontMetricsF metrics(document->font, &document->printer);
   double y = document->line * document->lineHeight + metrics.ascent();
   document->painter.drawText(QPointF(x, y), words);

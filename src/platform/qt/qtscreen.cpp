@@ -52,7 +52,7 @@ class ScreenWindow : public QWidget {
  protected:
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
-    if (!native.screen || !InputGetsThrough(*native.screen)) return;
+    if (!native.screen || !UserReaches(*native.screen)) return;
     NativeFrame frame;
     UserCloseBox(*native.screen);
   }
@@ -205,6 +205,32 @@ void ShowWindow(QtScreen& native) {
   native.window->raise();
 }
 
+// A load routine may have filled in the record by itself.
+void ShowRecords(QtScreen& native) {
+  for (QtControl& control : native.controls) ShowRecord(control);
+  NativeScreenChanged(*native.screen);
+}
+
+void ActivateLayouts(QWidget& widget) {
+  if (widget.layout()) widget.layout()->activate();
+  for (QObject* child : widget.children())
+    if (child->isWidgetType() && !static_cast<QWidget*>(child)->isWindow())
+      ActivateLayouts(static_cast<QWidget&>(*child));
+}
+
+void TellCanvasSizes(QtScreen& native) {
+  bool any = std::any_of(native.controls.begin(), native.controls.end(), [](const auto& child) {
+    return child.control->kind == ControlKind::Canvas;
+  });
+  if (!any) return;
+  ActivateLayouts(*native.page);
+  for (QtControl& child : native.controls) {
+    if (!child.control || child.control->kind != ControlKind::Canvas) continue;
+    QRect inside = child.widget->contentsRect();
+    UserCanvasSize(*child.control, inside.width(), inside.height());
+  }
+}
+
 QtScreen* NativeOf(const Screen& screen) { return static_cast<QtScreen*>(screen.native); }
 
 QPointer<QWidget> wishedWindow;
@@ -218,14 +244,6 @@ QtScreen* ScreenOfWidget(const QWidget* widget) {
   for (; widget; widget = widget->parentWidget())
     if (QtScreen* found = screenOf.value(widget, nullptr)) return found;
   return nullptr;
-}
-
-bool InputGetsThrough(const Screen& screen) {
-  if (!screen.enabled) return false;
-  bool inFrame =
-      screen.placement == ScreenPlacement::Work || screen.placement == ScreenPlacement::Child;
-  const Frame* frame = TheFrame();
-  return !inFrame || !frame || frame->enabled;
 }
 
 // ---- the contract -------------------------------------------------------------------------------
@@ -251,6 +269,8 @@ void NativeCreateScreen(Screen& screen) {
 
 void NativeShowScreen(Screen& screen) {
   QtScreen& native = *NativeOf(screen);
+  NativeFrame frame;
+  if (!native.shown) ShowRecords(native);
   CarryOutChanges();
   switch (screen.placement) {
     case ScreenPlacement::Work:
@@ -263,6 +283,7 @@ void NativeShowScreen(Screen& screen) {
       ShowWindow(native);
       break;
   }
+  if (!std::exchange(native.shown, true)) TellCanvasSizes(native);
 }
 
 void NativeHideScreen(Screen& screen) {
@@ -317,7 +338,7 @@ void NativeScreenChanged(Screen& screen) {
 
 // ---- focus and activation -----------------------------------------------------------------------
 
-void SettleFocus(Screen& screen) {
+void FocusByRecord(Screen& screen) {
   QtScreen* native = NativeOf(screen);
   if (!native || !screen.visible) return;
   QWidget* widget = screen.focus ? WidgetOf(*screen.focus) : nullptr;
@@ -332,7 +353,7 @@ void SettleFocus(Screen& screen) {
 
 void NativeFocus(Control& control) {
   CarryOutChanges();
-  SettleFocus(*control.owner);
+  FocusByRecord(*control.owner);
 }
 
 bool ActivationCounts(const QWidget& window) {
@@ -356,7 +377,7 @@ void NativeActivate(Screen& screen) {
   QWidget* window = ownWindow ? native->window : FrameWindow();
   if (native->window) native->window->raise();
   if (window && window->isVisible()) WishActivation(*window);
-  SettleFocus(screen);
+  FocusByRecord(screen);
 }
 
 Screen* ScreenInFrame() {

@@ -17,14 +17,13 @@ struct QtScreen {
   QWidget* root = nullptr;    // holds the controls; has the keys when no control has them
   QWidget* window = nullptr;  // its own window, or its small window inside the frame; null for Work
   std::deque<QtControl> controls;
+  bool shown = false;  // at least once: the record stands on the widgets
 };
 
-// Whether the user reaches the screen: it and, inside the frame, the frame are enabled.
-bool InputGetsThrough(const Screen& screen);
 // The screen whose page or window the widget stands on, or null.
 QtScreen* ScreenOfWidget(const QWidget* widget);
 // Moves the toolkit's focus to where the record says.
-void SettleFocus(Screen& screen);
+void FocusByRecord(Screen& screen);
 // Deletes released screens, unless a native routine of one may be on the stack.
 void ReleaseScreens();
 // A window of ours got the keys: whether that is the one that was asked for last.

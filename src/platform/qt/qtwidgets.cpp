@@ -151,6 +151,17 @@ void Field::Select(int start, int length) {
   holdsSelection = true;
 }
 
+void Field::focusInEvent(QFocusEvent* event) {
+  QLineEdit::focusInEvent(event);
+  if (gotKeys) gotKeys();
+}
+
+void Field::focusOutEvent(QFocusEvent* event) {
+  losesKeys = true;
+  QLineEdit::focusOutEvent(event);
+  losesKeys = false;
+}
+
 void Field::mousePressEvent(QMouseEvent* event) {
   holdsSelection = false;
   QLineEdit::mousePressEvent(event);

@@ -45,7 +45,7 @@ class Caption : public QFrame {
 };
 
 // One line of text. After the program has set the selection, a mouse button that is still down
-// does not change it.
+// does not change it. Without the keys it shows no selection; `gotKeys` brings it back.
 class Field : public QLineEdit {
  public:
   explicit Field(QWidget* parent) : QLineEdit(parent) {}
@@ -54,8 +54,12 @@ class Field : public QLineEdit {
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
   std::function<void()> released;
+  std::function<void()> gotKeys;
+  bool losesKeys = false;  // what it tells of its selection now is no action of the user
 
  protected:
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
