@@ -182,3 +182,5 @@ void CloseOpenBoxes() {
   std::vector<QDialog*> boxes = openBoxes;
   for (auto box = boxes.rbegin(); box != boxes.rend(); ++box) (*box)->reject();
 }
+
+void ResetBoxes() { lastFolder.clear(); }

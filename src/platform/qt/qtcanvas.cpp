@@ -35,7 +35,6 @@ class Canvas : public QFrame {
     if (control.framed) setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAttribute(Qt::WA_OpaquePaintEvent, !control.framed);
-    setMouseTracking(true);
   }
 
   QSize minimumSizeHint() const override { return sizeHint(); }

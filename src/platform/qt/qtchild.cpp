@@ -23,7 +23,7 @@ class ChildWindow;
 
 class TitleBar : public QWidget {
  public:
-  explicit TitleBar(ChildWindow& ofWindow);
+  TitleBar(ChildWindow& ofWindow, QtScreen& native);
   Caption* caption;
 
  protected:
@@ -43,7 +43,7 @@ class ChildWindow : public QFrame {
     auto* column = Make<QVBoxLayout>(this);
     column->setContentsMargins(1, 1, 1, 1);
     column->setSpacing(0);
-    bar = Make<TitleBar>(*this);
+    bar = Make<TitleBar>(*this, native);
     column->addWidget(bar);
     column->addWidget(native.page, 1);
     bar->caption->SetCaption(ToQt(native.screen->title));
@@ -65,12 +65,6 @@ class ChildWindow : public QFrame {
     native.screen->top = TwipsOfPixels(pos().y());
   }
 
-  void CloseByUser() {
-    if (!native.screen || !UserReaches(*native.screen)) return;
-    NativeFrame frame;
-    UserCloseBox(*native.screen);
-  }
-
  protected:
   bool event(QEvent* event) override {
     if (event->type() == QEvent::WindowTitleChange) bar->caption->SetCaption(windowTitle());
@@ -82,7 +76,7 @@ class ChildWindow : public QFrame {
   TitleBar* bar;
 };
 
-TitleBar::TitleBar(ChildWindow& ofWindow)
+TitleBar::TitleBar(ChildWindow& ofWindow, QtScreen& native)
     : QWidget(&ofWindow), caption(Make<Caption>(this)), window(ofWindow) {
   auto* row = Make<QHBoxLayout>(this);
   row->setContentsMargins(4, 2, 2, 2);
@@ -90,14 +84,7 @@ TitleBar::TitleBar(ChildWindow& ofWindow)
   bold.setBold(true);
   caption->setFont(bold);
   row->addWidget(caption, 1);
-  auto* close = Make<QToolButton>(this);
-  close->setObjectName("close");
-  close->setAutoRaise(true);
-  close->setFocusPolicy(Qt::NoFocus);
-  close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
-  close->setAccessibleName("Close");
-  row->addWidget(close);
-  QObject::connect(close, &QToolButton::clicked, &window, [this] { window.CloseByUser(); });
+  row->addWidget(CreateCloseButton(native, this));
   setAutoFillBackground(true);
   setBackgroundRole(QPalette::Midlight);
 }

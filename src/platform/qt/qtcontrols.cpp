@@ -405,6 +405,11 @@ QString ShownOn(const Control& control) {
   }
 }
 
+QModelIndex IndexOfNode(Tree& tree, int node) {
+  QTreeWidgetItem* item = NodeItem(tree, node);
+  return item ? tree.indexFromItem(item) : QModelIndex();
+}
+
 QPixmap PictureNamed(const std::string& name) {
   static std::map<std::string, QPixmap> pictures;
   if (name.empty()) return {};

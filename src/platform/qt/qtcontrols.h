@@ -31,5 +31,9 @@ QWidget* WidgetOf(const Control& control);
 QtControl* ControlOfWidget(const QWidget* widget);
 // The text, caption or value as it stands on the widget.
 QString ShownOn(const Control& control);
+// Where a node of the record stands in its tree.
+class QModelIndex;
+class Tree;
+QModelIndex IndexOfNode(Tree& tree, int node);
 // A picture of the program's data by its name; null when there is none.
 QPixmap PictureNamed(const std::string& name);

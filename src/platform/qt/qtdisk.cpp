@@ -215,5 +215,5 @@ std::string DataFile(const std::string& name) {
     fs::path there = folder / DiskPath(name);
     if (fs::exists(there, error)) return DiskText(there.lexically_normal());
   }
-  return DiskText(here);
+  return DiskText(program / DiskPath(name));
 }

@@ -144,7 +144,10 @@ void ShowWorkPage(QWidget& page) {
   if (window.stack->indexOf(&page) < 0) window.stack->addWidget(&page);
   GrowFor(page);
   window.stack->setCurrentWidget(&page);
-  if (!window.isVisible()) window.show();
+  if (!window.isVisible()) {
+    window.show();
+    window.activateWindow();
+  }
   window.layout()->activate();
 }
 
@@ -173,6 +176,7 @@ void NativeShowFrame(Frame& frame) {
     window.showMaximized();
   else
     window.show();
+  window.activateWindow();
 }
 
 void NativeCloseFrame(Frame& frame) {

@@ -188,6 +188,8 @@ bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
     return true;
   }
   if (!screen || !screen->loaded || screen->closing) return false;
+  // A field would type the letter.
+  if (IsMarkedLetter(key)) return true;
   bool changed = before != 0 && key.character != before;
   return PassOn(*screen, *receiver->widget, event, key.character, changed);
 }
@@ -238,12 +240,17 @@ bool Filter::MouseDown(QObject* watched) {
   if (!UserReaches(screen)) return swallowsMouse = true;
   if (ActiveScreen() != &screen) UserActivated(screen);
   QtControl* control = ControlAround(widget);
-  if (control && control->control && TakesFocus(*control->control)) {
+  bool brings = control && control->control && TakesFocus(*control->control) &&
+                screen.focus != control->control;
+  if (brings) {
     CarryOutChanges();
     UserFocus(*control->control);
     if (!control->control || screen.focus != control->control) swallowsMouse = true;
   }
   if (native->screen) FocusByRecord(screen);
+  // The press will place the cursor; a selection that has just been made comes back after it.
+  if (brings && !swallowsMouse && control->control->selLength > 0)
+    NativeControlChanged(*control->control, ChangedSelection);
   return swallowsMouse;
 }
 

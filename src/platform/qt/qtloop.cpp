@@ -49,6 +49,7 @@ struct State {
   bool queueWaits = false;
   bool ending = false;
   int exitCode = 0;
+  int holds = 0;
   std::int64_t passesLeft = 0;
   std::int64_t toolkitTurn = 0;
 };
@@ -61,8 +62,9 @@ State& Loop() {
 void Turn() {
   State& loop = Loop();
   loop.turnWaits = false;
-  loop.routinesWait = false;
   CarryOutChanges();
+  if (loop.holds > 0 && YieldDepth() == 0) return;
+  loop.routinesWait = false;
   if (RunSoonRoutines()) CarryOutChanges();
   if (YieldDepth() == 0) {
     loop.queueWaits = false;
@@ -146,6 +148,7 @@ void ResetLoop() {
   loop.queueWaits = false;
   loop.routinesWait = false;
   ReleaseScreens();
+  ResetBoxes();
 }
 
 // ---- turns ------------------------------------------------------------------------------------
@@ -154,6 +157,11 @@ void ScheduleTurn() {
   if (Loop().turnWaits) return;
   Loop().turnWaits = true;
   QCoreApplication::postEvent(&TheQueue(), Make<QEvent>(QEvent::User), Qt::HighEventPriority);
+}
+
+QueueHold::QueueHold() { ++Loop().holds; }
+QueueHold::~QueueHold() {
+  if (--Loop().holds == 0 && Loop().routinesWait) ScheduleTurn();
 }
 
 bool TurnWaits() { return Loop().turnWaits; }

@@ -117,6 +117,18 @@ QAction* ActionOf(const MenuItem& item) {
   return found != entries.end() ? found->second.action : nullptr;
 }
 
+bool MenuReachable(const MenuItem& item) {
+  Frame* frame = TheFrame();
+  if (!frame || !frame->enabled) return false;
+  QAction* action = ActionOf(item);
+  if (!action || !action->isEnabled() || !action->isVisible()) return false;
+  for (const auto& [above, entry] : entries)
+    if (entry.menu && above != &item && Holds(*above, item) &&
+        !(entry.action->isEnabled() && entry.action->isVisible()))
+      return false;
+  return true;
+}
+
 void NativeMenuChanged(Frame&, MenuItem& item) {
   auto found = entries.find(&item);
   if (found != entries.end()) ShowEntry(item, *found->second.action);

@@ -5,11 +5,13 @@
 #include <QCloseEvent>
 #include <QElapsedTimer>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QHash>
 #include <QMainWindow>
 #include <QScreen>
 #include <QScrollArea>
-#include <QScrollBar>
+#include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -52,9 +54,7 @@ class ScreenWindow : public QWidget {
  protected:
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
-    if (!native.screen || !UserReaches(*native.screen)) return;
-    NativeFrame frame;
-    UserCloseBox(*native.screen);
+    CloseByUserOf(native);
   }
 
   bool event(QEvent* event) override {
@@ -92,13 +92,16 @@ void ShowScreenColour(QtScreen& native) {
 }
 
 // The title of a screen of work stands above it; the others have it in their title bar.
-Caption* CreateHeading(const Screen& screen, QWidget* parent) {
-  auto* heading = Make<Caption>(parent);
-  heading->setObjectName("heading");
-  heading->setFont(FontOfSize(QApplication::font().pointSizeF() * 1.15, true));
-  heading->setContentsMargins(9, 6, 9, 0);
-  heading->SetCaption(ToQt(screen.title));
-  return heading;
+QWidget* CreateHeading(QtScreen& native, QWidget* parent) {
+  auto* line = Make<QWidget>(parent);
+  auto* row = Make<QHBoxLayout>(line);
+  row->setContentsMargins(9, 5, 5, 0);
+  native.heading = Make<Caption>(line);
+  native.heading->setFont(FontOfSize(QApplication::font().pointSizeF() * 1.15, true));
+  native.heading->SetCaption(ToQt(native.screen->title));
+  row->addWidget(native.heading, 1);
+  row->addWidget(CreateCloseButton(native, line));
+  return line;
 }
 
 // The content stands in the middle unless something on it makes use of the room.
@@ -123,7 +126,7 @@ void CreatePage(QtScreen& native) {
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   if (native.screen->placement == ScreenPlacement::Work)
-    column->addWidget(CreateHeading(*native.screen, native.page));
+    column->addWidget(CreateHeading(native, native.page));
   auto* scrolled = Make<ScrolledContent>(native.page);
   QWidget* holder = CreateHolder(native, scrolled);
   BuildControls(native);
@@ -246,6 +249,23 @@ QtScreen* ScreenOfWidget(const QWidget* widget) {
   return nullptr;
 }
 
+QToolButton* CreateCloseButton(QtScreen& native, QWidget* parent) {
+  auto* close = Make<QToolButton>(parent);
+  close->setObjectName("close");
+  close->setAutoRaise(true);
+  close->setFocusPolicy(Qt::NoFocus);
+  close->setIcon(parent->style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+  close->setAccessibleName("Close");
+  QObject::connect(close, &QToolButton::clicked, close, [&native] { CloseByUserOf(native); });
+  return close;
+}
+
+void CloseByUserOf(QtScreen& native) {
+  if (!native.screen || !UserReaches(*native.screen)) return;
+  NativeFrame frame;
+  UserCloseBox(*native.screen);
+}
+
 // ---- the contract -------------------------------------------------------------------------------
 
 void NativeCreateScreen(Screen& screen) {
@@ -329,8 +349,7 @@ void NativeScreenChanged(Screen& screen) {
   for (QtControl& control : native->controls)
     if (control.control) NativeControlChanged(*control.control, ChangedColours);
   if (screen.placement == ScreenPlacement::Work) {
-    if (auto* heading = native->page->findChild<QWidget*>("heading", Qt::FindDirectChildrenOnly))
-      static_cast<Caption*>(heading)->SetCaption(ToQt(screen.title));
+    native->heading->SetCaption(ToQt(screen.title));
   } else {
     native->window->setWindowTitle(ToQt(screen.title));
   }

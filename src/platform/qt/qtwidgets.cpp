@@ -151,6 +151,20 @@ void Field::Select(int start, int length) {
   holdsSelection = true;
 }
 
+// An arrow key at a selection goes to that end of it.
+void Field::keyPressEvent(QKeyEvent* event) {
+  bool left = event->key() == Qt::Key_Left;
+  bool arrow = left || event->key() == Qt::Key_Right;
+  bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  if (!arrow || !plain || !hasSelectedText()) {
+    QLineEdit::keyPressEvent(event);
+    return;
+  }
+  int end = left ? selectionStart() : selectionEnd();
+  deselect();
+  setCursorPosition(end);
+}
+
 void Field::focusInEvent(QFocusEvent* event) {
   QLineEdit::focusInEvent(event);
   if (gotKeys) gotKeys();

@@ -58,6 +58,7 @@ class Field : public QLineEdit {
   bool losesKeys = false;  // what it tells of its selection now is no action of the user
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -135,6 +136,7 @@ class Tree : public QTreeWidget {
   int heightLines = 0;
   QSize sizeHint() const override;
   std::function<void(QTreeWidgetItem& item)> chosen;
+  using QTreeWidget::indexFromItem;
 
  protected:
   void mouseReleaseEvent(QMouseEvent* event) override;
