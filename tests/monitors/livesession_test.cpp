@@ -1,0 +1,465 @@
+// One live session from opening to release: time-outs, retries, and every way out.
+#include "monitors/livesession.h"
+
+#include "core/globalstate.h"
+#include "link/comm.h"
+#include "link/onfly.h"
+#include "link/postedwrite.h"
+#include "monitors/livetest.h"
+#include "platform/frame.h"
+#include "platform/loop.h"
+#include "shell/mainframe.h"
+#include "shell/mainmenu.h"
+#include "shell/navigation.h"
+
+namespace {
+
+class LiveSession : public LiveTest {
+ protected:
+  void SilentTo(std::string command) {
+    unit.mute = [command](std::string_view heard) { return heard == command; };
+  }
+  // Answers the failure screen as often as told, and notes what it said.
+  void AnswerFailure(std::vector<std::string> buttons) {
+    answers_ = std::move(buttons);
+    timer_ = StartTimer(500, [this] { Answer(); });
+  }
+  void TearDown() override {
+    if (timer_ != 0) StopTimer(timer_);
+    LiveTest::TearDown();
+  }
+  void LeaveAfterMs(double milliseconds) {
+    AfterMs(milliseconds, [] { StopLive(); });
+  }
+  std::vector<std::string> captions;
+
+ private:
+  void Answer() {
+    if (!helpfrm.visible || answers_.empty()) return;
+    captions.push_back(helpfrm.title);
+    const std::string button = answers_.front();
+    answers_.erase(answers_.begin());
+    EXPECT_TRUE(PortHeld || !PortTrouble.empty());
+    EXPECT_FALSE(DeviceIsOpen("COM1"));
+    EXPECT_FALSE(Monitor3.visible);
+    EXPECT_EQ(MonitorStop, 1);
+    ClickOn(helpfrm, button);
+  }
+  std::vector<std::string> answers_;
+  int timer_ = 0;
+};
+
+constexpr const char* retry = "Command1";
+constexpr const char* cancel = "Command2";
+using Titles = std::vector<std::string>;
+
+}  // namespace
+
+// ---- opening ------------------------------------------------------------------------------------
+
+TEST_F(LiveSession, OpensWithTheCommandsOfASessionAndThenAsksForFrames) {
+  AfterFrames(3, [] { PressKey("Esc"); });
+  Run();
+  EXPECT_EQ(unit.TakeHeard(), opening);
+  EXPECT_EQ(unit.frames, 3);
+  EXPECT_EQ(PortSettingsOf("COM1"), "9600,N,8,1");
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, HeldPortIsRefusedAndStaysHeld) {
+  PortHeld = true;
+  MonitorMode = 3;
+  OpenScreen("Monitor3");
+  EXPECT_EQ(TakeBox().text, "Port is already in use by another process.");
+  EXPECT_EQ(MonitorMode, 0);
+  EXPECT_TRUE(PortHeld);
+  EXPECT_FALSE(Monitor3.loaded);
+  EXPECT_EQ(unit.TakeHeard(), "");
+}
+
+TEST_F(LiveSession, OpenedFromAYieldItWaitsForTheQueue) {
+  int depth = -1;
+  unit.onFrame = [&] {
+    depth = YieldDepth();
+    StopLive();
+  };
+  AtUs(NowUs(), [] {
+    OpenScreen("Monitor3");
+    EXPECT_FALSE(Monitor3.loaded);
+  });
+  Yield();
+  EXPECT_EQ(depth, -1);
+  RunPending();
+  EXPECT_EQ(depth, 0);  // the request goes out from the loop itself
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, MissingMapBarBecomesOne) {
+  MapBar = 0;
+  AfterFrames(1, [] { PressKey("Esc"); });
+  Run();
+  EXPECT_EQ(MapBar, 1);
+}
+
+TEST_F(LiveSession, ScreenIsUpAndLeavableWhileItOpens) {
+  unit.mute = [](std::string_view) { return true; };
+  AfterMs(200, [] {
+    EXPECT_TRUE(Monitor3.visible);
+    EXPECT_EQ(Seen("Status"), "ONFLY OFF");
+    PressKey("Esc");
+  });
+  const std::int64_t begun = NowUs();
+  Run();
+  EXPECT_LT(NowUs() - begun, 202'000);
+  ExpectReleased();
+  EXPECT_EQ(Top(), "CSForm1");
+}
+
+TEST_F(LiveSession, SilentUnitGetsTenTriesAndThenTheFailureScreen) {
+  unit.mute = [](std::string_view) { return true; };
+  AnswerFailure({cancel});
+  Run();
+  EXPECT_EQ(unit.TakeHeard(), "RU00 RU00 RU00 RU00 RU00 RU00 RU00 RU00 RU00 RU00");
+  EXPECT_EQ(captions, Titles{"Halvane2  -  COM ERROR  0"});
+  ExpectReleased();
+  EXPECT_EQ(Top(), "Form1");
+}
+
+TEST_F(LiveSession, CodeOfTheCommandThatFailedStandsInTheFailureScreen) {
+  SilentTo("R700");
+  AnswerFailure({cancel});
+  // Each of its ten waits is 327,000 passes.
+  Run();
+  EXPECT_EQ(captions, Titles{"Halvane2  -  COM ERROR  5"});
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, RetryOpensThePortAnewAndCarriesOn) {
+  int opened = 0;
+  DeviceNamed("COM1")->opened = [&] { ++opened; };
+  unit.mute = [&](std::string_view) { return opened == 1; };
+  AnswerFailure({retry});
+  AfterFrames(5, [] {
+    EXPECT_TRUE(Monitor3.visible);
+    EXPECT_EQ(Seen("Status"), "ONFLY IDLE");
+    PressKey("Esc");
+  });
+  Run();
+  EXPECT_EQ(opened, 2);
+  EXPECT_EQ(captions.size(), 1U);
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, PortThatCannotBeOpenedEndsInTheFailureScreenWithTheReason) {
+  RemoveDevice("COM1");
+  AnswerFailure({retry, cancel});
+  Run();
+  EXPECT_EQ(captions.size(), 2U);
+  EXPECT_EQ(PortTrouble, "There is no device COM1.");
+  EXPECT_FALSE(PortHeld);
+  EXPECT_EQ(MonitorMode, 0);
+  EXPECT_FALSE(Monitor3.loaded);
+}
+
+TEST_F(LiveSession, OldPromOfTheFirstOffsetEndsTheScreenWithoutRetry) {
+  unit.wrongSecond = "R3";
+  Run();
+  EXPECT_EQ(TakeBox().title, "INVALID PROM ERROR");
+  EXPECT_EQ(unit.TakeHeard(), "RU00 G C R300");
+  ExpectReleased();
+  EXPECT_EQ(Top(), "Form1");
+}
+
+TEST_F(LiveSession, OldPromOfAnotherOffsetIsToldAtEachOfTheTenTries) {
+  unit.wrongSecond = "R4";
+  AnswerFailure({cancel});
+  Run();
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(TakeBox().title, "INVALID PROM ERROR");
+  EXPECT_EQ(captions, Titles{"Halvane2  -  COM ERROR  3"});
+  ExpectReleased();
+}
+
+// ---- time-outs of frames ------------------------------------------------------------------------
+
+TEST_F(LiveSession, AFrameIsWaitedForThrough32767PassesAndAskedAgain) {
+  std::vector<std::int64_t> asked;
+  SilentTo("F");
+  unit.onFrame = [&] { asked.push_back(PassCount()); };
+  AfterFrames(3, [] { PressKey("Esc"); });
+  Run();
+  ASSERT_EQ(asked.size(), 3U);
+  EXPECT_EQ(asked[1] - asked[0], 32767);
+  EXPECT_EQ(asked[2] - asked[1], 32767);
+}
+
+TEST_F(LiveSession, TenthTimeOutEndsTheSessionHoweverManyFramesCameBetween) {
+  int timeOuts = 0;
+  unit.mute = [&](std::string_view command) {
+    const bool silent = command == "F" && unit.frames % 5 == 0;
+    timeOuts += silent;
+    return silent;
+  };
+  AnswerFailure({cancel});
+  Run();
+  EXPECT_EQ(timeOuts, 10);
+  EXPECT_EQ(unit.frames, 50);
+  EXPECT_EQ(captions, Titles{"Halvane2  -  COM ERROR  0"});
+  EXPECT_EQ(WaitCount, 0);
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, TimeOutsAreCountedOnThroughAReopening) {
+  int timeOuts = 0;
+  bool failedOnce = false;
+  unit.mute = [&](std::string_view command) {
+    if (command == "R311" && !failedOnce) return failedOnce = true;
+    const bool silent = command == "F";
+    timeOuts += silent;
+    if (timeOuts == 5 && !failedOnce) {
+      PendAdv = 1;
+      OnAdvance = 4;
+      --timeOuts;
+      return false;
+    }
+    return silent;
+  };
+  AnswerFailure({cancel});
+  Run();
+  EXPECT_TRUE(failedOnce);
+  EXPECT_EQ(timeOuts, 10);
+}
+
+TEST_F(LiveSession, RetryCountsTimeOutsFromZero) {
+  SilentTo("F");
+  AnswerFailure({retry, cancel});
+  Run();
+  EXPECT_EQ(unit.frames, 20);
+  EXPECT_EQ(captions.size(), 2U);
+}
+
+// ---- failures in the loop -----------------------------------------------------------------------
+
+TEST_F(LiveSession, CommandThatFailsOpensTheSessionAnew) {
+  bool failed = false;
+  unit.mute = [&](std::string_view command) {
+    if (command != "R311" || failed) return false;
+    return failed = true;
+  };
+  AfterFrames(3, [this] {
+    unit.TakeHeard();
+    PendAdv = 1;
+    OnAdvance = 4;
+  });
+  AfterFrames(6, [] { PressKey("Esc"); });
+  Run();
+  EXPECT_EQ(unit.TakeHeard(), "R311 " + opening);
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, FailuresOfTheLoopUseUpTheSameTenTries) {
+  SilentTo("R311");
+  unit.onFrame = [] {
+    PendAdv = 1;
+    OnAdvance = 4;
+  };
+  AnswerFailure({cancel});
+  Run();
+  EXPECT_EQ(unit.frames, 10);  // one good frame of each opening
+  EXPECT_EQ(captions, Titles{"Halvane2  -  COM ERROR  2"});
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, LateBytesNeverShiftTheFramesThatFollow) {
+  unit.frame[2] = 85;
+  unit.onFrame = [&] {
+    if (unit.frames == 3) DeliverAt("COM1", NowUs() + 1, {9, 9, 9});  // behind the frame
+  };
+  AfterFrames(8, [] {
+    AfterMs(20, [] {
+      EXPECT_EQ(Seen("Adv"), "20.0");
+      PressKey("Esc");
+    });
+  });
+  Run();
+  EXPECT_EQ(Live.frame, unit.frame);
+}
+
+// ---- ways out -----------------------------------------------------------------------------------
+
+TEST_F(LiveSession, EscEndsEveryWaitAtOnce) {
+  for (const char* command : {"RU00", "G", "R300", "R400", "R600", "R700", "RO00", "F", "R311",
+                              "P2", "S104B72C00", "S9030000FC"}) {
+    unit.frames = 0;
+    std::int64_t pressed = 0;
+    unit.mute = [&](std::string_view heard) {
+      if (!heard.starts_with(command)) return false;
+      AfterMs(60, [&] {
+        if (pressed == 0) pressed = NowUs();
+        StopLive();
+      });
+      return true;
+    };
+    AfterFrames(2, [] {
+      PendAdv = 1;
+      OnAdvance = 4;
+      PostWrite(217, 6, 300, 1);
+    });
+    Run();
+    EXPECT_GT(pressed, 0) << command;
+    EXPECT_LT(NowUs() - pressed, 1'000) << command;
+    EXPECT_EQ(CalValues[217], command == std::string("F") ? 8 : CalValues[217]);
+    ExpectReleased();
+  }
+  EXPECT_EQ(CalValues[217], 8);
+}
+
+TEST_F(LiveSession, ButtonAndCloseBoxLeave) {
+  AfterFrames(2, [] { ClickOn(Monitor3, "Command1"); });
+  Run();
+  ExpectReleased();
+  unit.frames = 0;
+  AfterFrames(2, [] { CloseByUser(Monitor3); });
+  Run();
+  ExpectReleased();
+  EXPECT_EQ(Top(), "CSForm1");
+}
+
+TEST_F(LiveSession, UnloadedFromOutsideItReleasesAndGoesNowhere) {
+  AfterFrames(2, [] { UnloadNamed("Monitor3"); });
+  Run();
+  ExpectReleased();
+  EXPECT_EQ(Top(), "Form1");
+}
+
+TEST_F(LiveSession, ForcedOpenLoopIsGivenBackOnEveryWayOut) {
+  const std::function<void()> ways[] = {
+      [] { StopLive(); },
+      [] { UnloadNamed("Monitor3"); },
+      [] { UnloadMainFrame(); },
+  };
+  for (const auto& leave : ways) {
+    unit.frames = 0;
+    AfterFrames(2, [] {
+      ClosedLoop = false;
+      PendEgo = 1;
+    });
+    AfterFrames(5, leave);
+    Run();
+    EXPECT_EQ(unit.TakeHeard(), opening + " RUFF RU00");
+    ExpectReleased();
+  }
+}
+
+TEST_F(LiveSession, ForcedOpenLoopIsGivenBackBeforeTheFailureScreen) {
+  unit.mute = [this](std::string_view command) { return command == "F" && unit.frames > 5; };
+  AfterFrames(2, [] {
+    ClosedLoop = false;
+    PendEgo = 1;
+  });
+  AnswerFailure({cancel});
+  Run();
+  EXPECT_EQ(unit.TakeHeard(), opening + " RUFF RU00");
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, SilentUnitKeepsTheReleaseForASecondAtMostAndTheScreenGoesAtOnce) {
+  std::int64_t left = 0;
+  unit.mute = [&](std::string_view) { return left > 0; };
+  AfterFrames(2, [] {
+    ClosedLoop = false;
+    PendEgo = 1;
+  });
+  AfterFrames(5, [&] {
+    left = NowUs();
+    AfterMs(50, [] { EXPECT_FALSE(Monitor3.visible); });
+    StopLive();
+  });
+  Run();
+  EXPECT_LT(NowUs() - left, 1'100'000);
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, EndOfTheProgramReleasesDuringEveryWait) {
+  for (const char* command : {"RU00", "G", "R300", "F"}) {
+    SilentTo(command);
+    AfterMs(300, [] { UnloadMainFrame(); });
+    Run();
+    EXPECT_TRUE(ProgramEnding());
+    ExpectReleased();
+    EXPECT_EQ(Top(), "");
+    TearDown();
+    SetUp();
+  }
+}
+
+TEST_F(LiveSession, EndOfTheProgramInTheFailureScreenReleases) {
+  SilentTo("RU00");
+  const int timer = StartTimer(500, [] {
+    if (helpfrm.visible) UnloadMainFrame();
+  });
+  Run();
+  StopTimer(timer);
+  ExpectReleased();
+  EXPECT_FALSE(helpfrm.loaded);
+}
+
+TEST_F(LiveSession, UnpluggedUnitEndsInTheFailureScreenAndRetryCarriesOnWhenItIsBack) {
+  AfterFrames(3, [] { DeviceNamed("COM1")->gone = true; });
+  const int timer = StartTimer(500, [] {
+    if (!helpfrm.visible) return;
+    EXPECT_EQ(ShownText(helpfrm, "Reason"), "COM1 has been unplugged.");
+    DeviceNamed("COM1")->gone = false;
+    ClickOn(helpfrm, "Command1");
+  });
+  AfterFrames(9, [] { PressKey("Esc"); });
+  Run();
+  StopTimer(timer);
+  EXPECT_EQ(unit.TakeHeard(), opening + " " + opening);
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, WhatNobodyHasSentIsDroppedAtTheEnd) {
+  AfterFrames(2, [] {
+    PendTog = PendTpsBlend = PendZeroAdv = 1;
+    PostWrite(217, 6, 300, 1);
+    StopLive();
+  });
+  Run();
+  EXPECT_EQ(PendTog + PendTpsBlend + PendZeroAdv, 0);
+  EXPECT_EQ(OnflyByteCount, 0);
+  EXPECT_EQ(CalValues[217], 8);
+}
+
+// ---- beside other screens -----------------------------------------------------------------------
+
+TEST_F(LiveSession, MainMenuLoadedBesideItDoesNotEndTheMode) {
+  AfterFrames(2, [] {
+    GoTo("CSForm1");
+    GoTo("Form1");
+    EXPECT_EQ(MonitorMode, 0);
+    AfterMs(5, [] {
+      EXPECT_EQ(MonitorMode, 3);
+      EXPECT_FALSE(ShownEnabled(Form1, "SoftwareTools"));
+      StopLive();
+    });
+  });
+  Run();
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, MainMenuHasTheKeysNoneAreTakenFromAnEditor) {
+  AfterFrames(2, [] {
+    EXPECT_EQ(ActiveScreen(), &Monitor3);  // the main menu's Esc would end the program
+    StopLive();
+  });
+  Run();
+  unit.frames = 0;
+  GoTo("Binj_graph");
+  AfterFrames(2, [] {
+    EXPECT_EQ(ActiveScreen()->name, "Binj_graph");
+    EXPECT_TRUE(Monitor3.visible);
+    StopLive();
+  });
+  Run();
+  ExpectReleased();
+}
