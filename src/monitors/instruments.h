@@ -1,0 +1,46 @@
+// Draws the analog monitor's dials and bars on a canvas, sharp at any size. Faces are the
+// background of the canvas; needles, bars and digits stand above it and are drawn for each frame.
+#pragma once
+
+#include <string>
+
+#include "monitors/livesession.h"
+#include "platform/screen.h"
+
+// What the instruments show.
+struct InstrumentReadings {
+  double rpm = 0;
+  std::string rpmText;
+  int cltStep = 0, matStep = 0, tpsStep = 0;
+  std::string cltText, matText, tpsText;
+  double load = 0;
+  std::string loadText;
+  double egoVolts = 0;
+  std::string egoText;
+  int dutyBar = 0;  // tenths of a percent
+  std::string dutyText;
+  bool dutyOver = false;  // at or above 100 %
+};
+
+// What the faces depend on.
+struct InstrumentFaces {
+  double revLimitRpm = 0;
+  bool fahrenheit = false;
+  std::string temperatureUnit;
+  std::string loadUnit;
+  double loadMaximum = 110;
+};
+
+// Clears the canvas and draws the faces as its background. Nothing happens without a size.
+void DrawDialFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours);
+// Needles and digits of the dials.
+void DrawDialNeedles(Control& canvas, const InstrumentFaces& faces,
+                     const InstrumentReadings& readings, const MonitorColours& colours);
+// The same for the three bars.
+void DrawBarFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours);
+void DrawBarLevels(Control& canvas, const InstrumentFaces& faces,
+                   const InstrumentReadings& readings, const MonitorColours& colours);
+
+// The direction of a needle step in degrees counter-clockwise from three o'clock. The dial is
+// turned so that both its ends stand level.
+double NeedleDegrees(int step);
