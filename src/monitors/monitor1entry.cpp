@@ -1,0 +1,276 @@
+// Entry of the analog monitor's run-time offsets.
+#include "monitors/monitor1entry.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/numbers.h"
+#include "link/liveframe.h"
+#include "link/onfly.h"
+#include "platform/dialogs.h"
+
+namespace {
+
+constexpr const char* afrField = "Text9";
+constexpr const char* afrCaption = "&9. CHANGE AFR OFFSET (UP/ DOWN Arrow Keys) =";
+constexpr const char* zeroOption = "Option1";
+constexpr const char* clearOption = "Option2";
+constexpr const char* backButton = "Command1";
+constexpr const char* statusLabel = "EntryStatus";
+
+const std::array<OffsetField, 6> fields = {{
+    {"Text3", "&3. ADD FIXED ADV/RTD (-10 to 10 Deg) =", "#0", -10, 10, "  (-10 to 10 Degrees)", "",
+     OnAdvance, 1, PendAdv},
+    {"Text4", "&4. ADD GAMA OFFSET(-40% to 40% Gama) =", "", -40, 40, "  (-40% to 40% Gama)",
+     "Whole Numbers Only", OnGama, 100, PendGama},
+    {"Text5", "&5. CHANGE TOG ( 3 to 30 ms) =", "##.00", 3, 30, "  (3 to 30 ms)", "", OnTog, 1,
+     PendTog},
+    {"Text6", "&6. CHANGE INJ. OFFSET ( -15.875 to 15.875 ms) =", "##.00", -15.875, 15.875,
+     "  (-15.875 to 15.875 ms)", "", OnInjOffset, 1, PendInj},
+    {"Text7", "&7. CHANGE TPS BLEND OFFSET (0 to 1.5 Volts) =", "#.00", 0, 1.5,
+     "  (0 to 1.5 Volts)", "", OnTpsBlend, 1, PendTpsBlend},
+    {"Text8", "&8. CHANGE GPO OFFSET ( -30% to +30%) =", "", -30, 30, "  (-30% to +30%)",
+     "Enter Whole Numbers Only", OnGpo, 1, PendGpo},
+}};
+
+// Text of the field that has the focus, as it was before the entry.
+std::string savedText;
+std::string shownRefusal;
+// The option that is in force. A session opens with zero advance cleared.
+bool advanceIsZero = false;
+
+const OffsetField* RowOf(const Control& control) {
+  for (const OffsetField& row : fields)
+    if (control.name == row.control) return &row;
+  return nullptr;
+}
+
+bool IsOffsetField(const Control& control) { return RowOf(control) || control.name == afrField; }
+
+std::string LabelOf(std::string_view control) { return std::string(control) + "Label"; }
+
+void Mark(Screen& screen, const Control& control, bool marked) {
+  Control& label = At(screen, LabelOf(control.name));
+  label.bold = marked;
+  SetBackColour(label, marked ? White : screen.backColour);
+  SetForeColour(label, marked ? Black : At(screen, statusLabel).foreColour);
+}
+
+void Select(Control& control) { SelectText(control, 0, static_cast<int>(control.text.size())); }
+
+void TakeBack(Control& control) {
+  SetText(control, savedText);
+  Select(control);
+}
+
+// The panel stays in front until it is answered; the loop goes on behind it.
+void ShowRefusal(const OffsetField& row) {
+  shownRefusal = row.refusal;
+  ShowScreen(MonitorInputError);
+}
+
+void BuildRefusal(Screen& screen) {
+  Add(screen, {.name = "Label1", .caption = "  Enter New Value"});
+  Add(screen, {.name = "Label2", .caption = "    in the Range:"});
+  Add(screen, {.name = "Label3", .caption = shownRefusal, .bold = true});
+  Add(screen, {.name = "Command1",
+               .kind = ControlKind::Button,
+               .caption = "OK",
+               .place = {.align = Align::Centre}});
+}
+
+void Accept(Screen& screen, Control& control, const OffsetField& row, const std::string& text) {
+  row.value = LeadingNumber(text) / row.scale;
+  row.pending = 1;
+  SetText(control, text);
+  savedText = text;
+  SetFocus(At(screen, backButton));
+}
+
+void TakeEntry(Screen& screen, Control& control, const OffsetField& row) {
+  if (control.text.empty()) return;
+  const bool period = control.text.find('.') != std::string::npos;
+  if (*row.wholeText && period) {
+    MsgBox(std::string("  Data Input Error\n\r") + row.wholeText);
+    if (screen.loaded && !screen.closing) TakeBack(control);
+    return;
+  }
+  const double typed = LeadingNumber(control.text);
+  const std::string text = *row.mask ? Format(typed, row.mask) : control.text;
+  // Neither the number as typed nor as the mask shows it may leave the range.
+  const double value = LeadingNumber(text);
+  const bool fits = std::min(typed, value) >= row.low && std::max(typed, value) <= row.high;
+  // The ends of a range may have more digits than the mask.
+  const bool atEnd = typed == row.low || typed == row.high;
+  if (!fits && !atEnd) {
+    TakeBack(control);
+    ShowRefusal(row);
+    return;
+  }
+  Accept(screen, control, row, atEnd ? control.text : text);
+}
+
+// ---- the AFR offset -----------------------------------------------------------------------------
+
+std::uint8_t Raw(int byte) { return Live.frame[static_cast<std::size_t>(byte)]; }
+constexpr int desiredByte = 18;
+constexpr int baseByte = 19;
+
+std::string AfrOffsetText() { return Format(AfrOffsetShown(Raw(desiredByte), AfrOffset), "##.00"); }
+
+void ShowWishedAfr(Screen& screen) {
+  const std::string text = Format(AfrOfRaw(OnAfr), "###.00");
+  SetText(At(screen, afrField), text);
+  SetCaption(At(screen, "AfrDesired"), text);
+}
+
+void StepAfr(Screen& screen, double by) {
+  OnAfr = std::clamp(OnAfr + by, 0.0, 255.0);
+  ShowWishedAfr(screen);
+}
+
+// What the unit aims at now is where the arrows begin.
+void BeginAfrEntry() { OnAfr = std::clamp(Raw(baseByte) - AfrOffset, 0.0, 255.0); }
+
+}  // namespace
+
+bool FieldEditing = false;
+
+Screen MonitorInputError{.name = "MonitorInputError",
+                         .title = "DATA INPUT ERROR",
+                         .placement = ScreenPlacement::Dialog,
+                         .build = BuildRefusal,
+                         .on = {.click =
+                                    [](Screen& screen, Control& control) {
+                                      if (control.name == "Command1") UnloadScreen(screen);
+                                    }},
+                         .cancelButton = "Command1",
+                         .defaultFocus = "Command1"};
+
+std::span<const OffsetField> OffsetFields() { return fields; }
+
+namespace {
+
+void AddField(Screen& screen, const char* container, int row, const char* control,
+              const char* caption, Colour back, Colour fore) {
+  Add(screen, {.name = LabelOf(control),
+               .caption = caption,
+               .place = {.in = container, .row = row, .column = 0, .align = Align::Fill},
+               .labelFor = control,
+               .textAlign = Align::Right,
+               .backColour = back,
+               .foreColour = fore});
+  Add(screen, {.name = control,
+               .kind = ControlKind::TextField,
+               .place = {.in = container, .row = row, .column = 1},
+               .widthChars = 8,
+               .textAlign = Align::Right});
+}
+
+void AddOption(Screen& screen, const char* container, int row, const char* name,
+               const char* caption, Colour back, Colour fore) {
+  Add(screen, {.name = name,
+               .kind = ControlKind::RadioButton,
+               .caption = caption,
+               .place = {.in = container, .row = row, .column = 0, .columnSpan = 2},
+               .backColour = back,
+               .foreColour = fore});
+}
+
+}  // namespace
+
+void AddOffsetControls(Screen& screen, const char* container, Colour back, Colour fore) {
+  AddOption(screen, container, 0, zeroOption, "&1. SET ADVANCE TO ZERO", back, fore);
+  AddOption(screen, container, 1, clearOption, "&2. CLEAR ZERO ADVANCE", back, fore);
+  int line = 2;
+  for (const OffsetField& row : fields)
+    AddField(screen, container, line++, row.control, row.caption, back, fore);
+  AddField(screen, container, line, afrField, afrCaption, back, fore);
+}
+
+void BeginOffsets(Screen& screen) {
+  FieldEditing = false;
+  advanceIsZero = false;
+  for (const OffsetField& row : fields) SetText(At(screen, row.control), "0");
+  SetText(At(screen, afrField), "");
+  SetChecked(At(screen, clearOption), true);
+  SetCaption(At(screen, statusLabel), "ACTIVE");
+}
+
+void ShowOffsets(Screen& screen) {
+  if (FieldEditing) return;
+  if (!PendTog) SetText(At(screen, "Text5"), Format(Live[LiveField::Tog], "##.00"));
+  if (TogChanged == 0 && !PendTpsBlend)
+    SetText(At(screen, "Text7"), Format(Live[LiveField::TpsBlend], "#.00"));
+  SetText(At(screen, afrField), AfrOffsetText());
+}
+
+void ShowInjectorOffset(Screen& screen) {
+  SetText(At(screen, "Text6"), Format(InjectorOffset, "##.000"));
+}
+
+void OffsetGotFocus(Screen& screen, Control& control) {
+  Control& status = At(screen, statusLabel);
+  FieldEditing = IsOffsetField(control);
+  SetCaption(status, FieldEditing ? "SUSPENDED" : "ACTIVE");
+  if (!FieldEditing) return;
+  savedText = control.text;
+  Mark(screen, control, true);
+  if (control.name == afrField) BeginAfrEntry();
+  Select(control);
+}
+
+// An entry that Enter has not confirmed does not stay.
+void OffsetLostFocus(Screen& screen, Control& control) {
+  if (!IsOffsetField(control)) return;
+  SetText(control, savedText);
+  Mark(screen, control, false);
+}
+
+// Of the two options the one that is not the current state, once chosen, becomes current.
+void OffsetClicked(Screen&, Control& control) {
+  const bool zero = control.name == zeroOption;
+  if ((!zero && control.name != clearOption) || zero == advanceIsZero) return;
+  advanceIsZero = zero;
+  (zero ? PendZeroAdv : PendClearZero) = 1;
+}
+
+void OffsetKeyPress(Screen& screen, Control& control, KeyPress& press) {
+  if (control.name == afrField) {
+    press.character = 0;
+    return;
+  }
+  const OffsetField* row = RowOf(control);
+  if (!row) return;
+  if (press.character == KeyEnter) {
+    press.character = 0;
+    TakeEntry(screen, control, *row);
+    return;
+  }
+  constexpr std::string_view allowed = "0123456789.-+\b";
+  if (allowed.find(static_cast<char>(press.character)) == std::string_view::npos)
+    press.character = 0;
+}
+
+bool OffsetKeyDown(Screen& screen, KeyEvent& event) {
+  Control* focus = FocusedControl(screen);
+  if (!focus || focus->name != afrField || event.ctrl || event.alt) return false;
+  switch (event.key) {
+    case KeyUp:
+      StepAfr(screen, -1);
+      return true;
+    case KeyDown:
+      StepAfr(screen, 1);
+      return true;
+    case KeyEscape:
+      OnAfr = Raw(baseByte);
+      break;
+    case KeyEnter:
+      break;
+    default:
+      return false;
+  }
+  PendAfr = 1;
+  SetFocus(At(screen, backButton));
+  return true;
+}

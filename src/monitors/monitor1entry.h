@@ -1,0 +1,45 @@
+// The nine run-time offsets of the analog monitor: the rows of its fields, and what typing into
+// them does. A handler never sends; it stores the value and sets the pending flag.
+#pragma once
+
+#include <array>
+#include <span>
+
+#include "platform/screen.h"
+
+// A field that takes a number. Values are tested and stored as the mask shows them.
+struct OffsetField {
+  const char* control;  // "Text3"
+  const char* caption;  // with its key
+  const char* mask;     // "" takes whole numbers only
+  double low;
+  double high;
+  const char* refusal;    // the range, as the refusal tells it
+  const char* wholeText;  // what a period is answered with; "" where one is allowed
+  double& value;
+  double scale;  // value := entry / scale
+  int& pending;
+};
+std::span<const OffsetField> OffsetFields();
+
+// While a field has the focus, frames flow and the display stands still. Starts as false.
+extern bool FieldEditing;
+// The panel "DATA INPUT ERROR" with the range that an entry must keep.
+extern Screen MonitorInputError;
+
+// Adds captions, fields and the two options to the container of this name.
+void AddOffsetControls(Screen& screen, const char* container, Colour back, Colour fore);
+// Start values of a session: nothing is edited, zero advance is cleared.
+void BeginOffsets(Screen& screen);
+// Between entries TOG, TPS blend and AFR offset follow the frame.
+void ShowOffsets(Screen& screen);
+// The injector offset that the control unit has told.
+void ShowInjectorOffset(Screen& screen);
+
+// Events of the screen.
+void OffsetGotFocus(Screen& screen, Control& control);
+void OffsetLostFocus(Screen& screen, Control& control);
+void OffsetClicked(Screen& screen, Control& control);
+void OffsetKeyPress(Screen& screen, Control& control, KeyPress& press);
+// Arrows, Enter and Esc of the AFR field. Result: whether the key was for it.
+bool OffsetKeyDown(Screen& screen, KeyEvent& event);
