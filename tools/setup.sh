@@ -51,6 +51,7 @@ build() {
   shift 3
   local launcher=()
   command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  mkdir -p "$folder"
   say "configuring $folder"
   cmake -S . -B "$folder" -G Ninja "${launcher[@]}" "$@" >"$folder.log" 2>&1 || {
     cat "$folder.log" >&2
