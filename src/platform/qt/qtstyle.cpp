@@ -33,17 +33,24 @@ double Luminance(const QColor& colour) {
   return 0.299 * colour.redF() + 0.587 * colour.greenF() + 0.114 * colour.blueF();
 }
 
-bool IsPlain(const Control& control) {
+// Stands on the colour of windows, not of buttons.
+bool IsField(const Control& control) {
   switch (control.kind) {
     case ControlKind::TextField:
     case ControlKind::TextArea:
     case ControlKind::ListBox:
     case ControlKind::TreeView:
     case ControlKind::DropDownList:
-      return control.backColour == SystemWindow && control.foreColour == SystemWindowText;
+      return true;
     default:
-      return control.backColour == SystemButtonFace && control.foreColour == SystemButtonText;
+      return false;
   }
+}
+
+bool IsPlain(const Control& control) {
+  return IsField(control)
+             ? control.backColour == SystemWindow && control.foreColour == SystemWindowText
+             : control.backColour == SystemButtonFace && control.foreColour == SystemButtonText;
 }
 
 // Texts of a disabled control stay grey: the disabled group keeps the theme's text colours.
@@ -129,7 +136,7 @@ void ApplyColours(const Control& control, QWidget& widget) {
   }
   QPalette palette;
   SetText(palette, TextColourOf(control));
-  bool ownGround = control.backColour != SystemButtonFace;
+  bool ownGround = IsField(control) || control.backColour != SystemButtonFace;
   if (ownGround) {
     QColor back = ToQColor(control.backColour);
     palette.setColor(QPalette::Window, back);
