@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/globalstate.h"
@@ -64,14 +65,17 @@ void AddButtonGroup(Screen& screen, const std::string& name, const std::string& 
 }
 
 void AddButtons(Screen& screen, std::span<const ButtonRow> rows) {
-  for (const ButtonRow& row : rows)
-    Add(screen, {.name = std::string(row.name),
-                 .kind = ControlKind::Button,
-                 .caption = std::string(row.caption),
-                 .place = {.in = std::string(row.group)},
-                 .widthChars = InRow(screen, row.group) ? 0 : buttonChars,
-                 .fontScale = buttonFontScale,
-                 .icon = std::string(row.icon)});
+  for (const ButtonRow& row : rows) {
+    Control button;
+    button.name = row.name;
+    button.kind = ControlKind::Button;
+    button.caption = row.caption;
+    button.place.in = row.group;
+    button.widthChars = InRow(screen, row.group) ? 0 : buttonChars;
+    button.fontScale = buttonFontScale;
+    button.icon = row.icon;
+    Add(screen, std::move(button));
+  }
 }
 
 void RefreshButtons(Screen& screen, std::span<const ButtonRow> rows) {
