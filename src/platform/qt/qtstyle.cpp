@@ -1,9 +1,11 @@
-// Fusion on every desktop, with the desktop's colours; marked letters are always underlined.
+// Fusion on every desktop, with the desktop's colours; marked letters are always underlined and the
+// focus can always be seen.
 #include "platform/qt/qtstyle.h"
 
 #include <QApplication>
 #include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QWidget>
 
 #include "platform/qt/qtbase.h"
@@ -26,6 +28,30 @@ class ScreenStyle : public QProxyStyle {
       default:
         return QProxyStyle::styleHint(hint, option, widget, data);
     }
+  }
+
+  // The focus is moved by the screens, which the toolkit does not take for the keyboard's doing.
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    if (element == PE_PanelButtonCommand &&
+        DrawFocused<QStyleOptionButton>(element, option, painter, widget))
+      return;
+    if (element == PE_FrameFocusRect &&
+        DrawFocused<QStyleOptionFocusRect>(element, option, painter, widget))
+      return;
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+  }
+
+ private:
+  template <typename Option>
+  bool DrawFocused(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const {
+    const auto* given = qstyleoption_cast<const Option*>(option);
+    if (!given || !(given->state & State_HasFocus)) return false;
+    Option seen(*given);
+    seen.state |= State_KeyboardFocusChange;
+    QProxyStyle::drawPrimitive(element, &seen, painter, widget);
+    return true;
   }
 };
 
