@@ -37,6 +37,7 @@ void ReadOptions() {
   RefreshMenuMarks();
   SetModeLine(EditModeLine);
   QuickStart = ReadSetting("Options", "QuickStart");
+  RefreshMenus();
 }
 
 void HandOver() {

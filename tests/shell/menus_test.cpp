@@ -136,7 +136,6 @@ TEST_F(MenuTest, EveryEntryOpensItsScreen) {
   SaveSetting("Options", "QuickStart", "0");
   PutFile("/home/user/base.bin", std::vector<std::uint8_t>(2048, 0));
   Start();
-  RefreshMenus();
   for (const Expected& entry : expectedEntries) {
     if (std::string_view(entry.opens).empty()) continue;
     SCOPED_TRACE(entry.name);
@@ -220,6 +219,20 @@ TEST_F(MenuTest, EntriesOfUnknownScreensAreGreyUntilTheyAreRegistered) {
   EXPECT_TRUE(Enabled("mnuCalinj"));
   EXPECT_TRUE(Enabled("mnuViewProgram"));
   EXPECT_FALSE(Enabled("mnuCalfuelsubwarm")) << "QUICK START";
+}
+
+TEST_F(MenuTest, TheStartModeOfTheLastRunHoldsFromTheStart) {
+  StandInForAll();
+  SaveSetting("Options", "Comport", "1");
+  for (const char* mode : {"0", "-1"}) {
+    SaveSetting("Options", "QuickStart", mode);
+    Start();
+    for (const char* name : {"mnuCalfuelsubstart", "mnuCalfuelsubwarm", "mnuCalfuelsubMAT",
+                             "mnuCalEGOsubpara", "mnuCalignADsubcool"})
+      EXPECT_EQ(Enabled(name), QuickStart == 0) << name << " in mode " << mode;
+    UnloadAllScreens();
+    CloseFrame(frmMain);
+  }
 }
 
 TEST_F(MenuTest, SixEntriesWaitForMain) {
