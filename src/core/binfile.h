@@ -19,8 +19,8 @@ void LoadBaseCalibration();
 
 // Writes CalValues to TargetBinPath and, encoded, to the S19 file beside it. Each of the files is
 // replaced as a whole or stays as it was; bytes of an existing file behind the 2048 of a BIN stay.
-// CalChanged is cleared when all has been written.
-void savedata();
+// CalChanged is cleared when all has been written. Result: whether it has.
+bool savedata();
 
 // Save As: asks for a name until it is not the base file's, makes it the open file's and saves.
 void SaveCalibrationAs();

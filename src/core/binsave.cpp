@@ -65,28 +65,31 @@ void WriteBin(const std::string& path) {
   SaveWholeFile(path, bytes);
 }
 
-void Save() {
+bool Save() {
   if (TargetBinPath.empty()) {
     MsgBox(std::string(NoBinFileText));
-    return;
+    return false;
   }
-  if (!TargetHasExtension()) return;
+  if (!TargetHasExtension()) return false;
   SetSavedConstants();
   BinShortName = ShortNameOnSave(TargetBinPath, CurrentFolder());
   StoreNameInCalibration();
   WriteBin(TargetBinPath);
   ShowOpenFile(TargetBinPath);
   EncodeCalibration();
-  if (WriteS19()) CalChanged = false;
+  if (!WriteS19()) return false;
+  CalChanged = false;
+  return true;
 }
 
 }  // namespace
 
-void savedata() {
+bool savedata() {
   try {
-    Save();
+    return Save();
   } catch (const Failure& failure) {
     ShowFailure(failure, "Please File a Software Problem Report. (savedata)");
+    return false;
   }
 }
 

@@ -88,6 +88,5 @@ bool OfferSavingChanges() {
                            margin + lineBreak + margin + "Do You Wish to Save " + CurrentBinPath +
                            " at this time?" + lineBreak;
   if (MsgBox(text, Buttons::YesNo, "Save File Data", BoxIcon::Question) != Answer::Yes) return true;
-  savedata();
-  return !CalChanged;
+  return savedata();
 }

@@ -5,9 +5,12 @@
 
 #include "core/binfile.h"
 #include "core/globalstate.h"
+#include "link/comm.h"
 #include "platform/loop.h"
 #include "shell/commands.h"
+#include "shell/guards.h"
 #include "shell/mainframe.h"
+#include "shell/mainmenu.h"
 #include "shell/menus.h"
 #include "shell/navigation.h"
 
@@ -29,6 +32,8 @@ void PopUpHelp() { PopUp("mnuHelp"); }
 void PopUpCommunication() { PopUp("mnuCom"); }
 void PopUpTools() { PopUp("mnuTools"); }
 void PopUpView() { PopUp("mnuView"); }
+
+void Save() { savedata(); }
 
 void ShowCalibration(const HotKeyRules& rules) {
   if (!rules.calibrationScreen) return;
@@ -55,17 +60,26 @@ constexpr std::array<HotKey, 12> hotKeys = {{
     {'E', ShowCalibration},
     {'M', Plain<ViewMonitor>},
     {'P', StepPort},
-    {'S', Plain<savedata>},
+    {'S', Plain<Save>},
     {'X', Plain<mnuFileExit_Click>},
     {'Z', Plain<SaveAndProgram>},
 }};
 
-// Loading the programmer programs; loading the monitor runs it until it is left.
+// Whether a session holds the port that nobody has told to end. What waits in the queue would run
+// only after it, when the user no longer thinks of it.
+bool SessionGoesOn() { return PortHeld && MonitorStop == 0; }
+
+// Loading the programmer programs; loading the monitor runs it until it is left. After a save that
+// failed the S19 file is not that of the calibration in memory, and the engine is left alone.
 void ProgramAndMonitor() {
+  if (!savedata()) {
+    ReturnToMainMenu();
+    return;
+  }
   KillFirst = true;
-  savedata();
   OpenScreen("Program_ZEM");
   UnloadNamed("Program_ZEM");
+  KillFirst = false;  // a programmer that has refused leaves it set
   const MenuItem* digital = FindMenu(frmMain, "mnuoptionscreen2");
   const std::string_view monitor = digital && digital->checked ? "Monitor3" : "Monitor1";
   OpenScreen(monitor);
@@ -89,5 +103,11 @@ bool HandleHotKey(KeyEvent& event, const HotKeyRules& rules) {
 void SaveAndProgram() {
   if (MonitorMode == 3) UnloadNamed("Monitor3");
   CloseActiveScreen();
-  RunFromQueue(ProgramAndMonitor);
+  if (!SessionGoesOn()) {
+    RunFromQueue(ProgramAndMonitor);
+    return;
+  }
+  savedata();
+  RefusedWhilePortHeld();
+  if (!AnythingUp()) ShowMainMenu();
 }

@@ -14,5 +14,6 @@ struct HotKeyRules {
 bool HandleHotKey(KeyEvent& event, const HotKeyRules& rules = {});
 
 // Save and program in one go, then back to the monitor. The digital monitor and the active screen
-// are closed at once; the rest runs from the queue, outside of every live loop.
+// are closed at once; the rest runs from the queue, outside of every live loop. Without a good save
+// nothing is programmed; while another session keeps the port it saves and refuses the rest.
 void SaveAndProgram();

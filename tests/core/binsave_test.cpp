@@ -39,7 +39,7 @@ void ExpectSaveDialog(const std::string& preset) {
 
 TEST_F(BinSave, WritesTheCalibrationAndItsImage) {
   OpenAndChange();
-  savedata();
+  EXPECT_TRUE(savedata());
   EXPECT_EQ(FileBytes(binPath), BytesOfCalibration());
   EXPECT_EQ(FileBytes(binPath).size(), 2048U);
   EXPECT_EQ(FileTextOf(s19Path), S19Text(BinImage));
@@ -48,7 +48,7 @@ TEST_F(BinSave, WritesTheCalibrationAndItsImage) {
 }
 
 TEST_F(BinSave, WithoutAFileSaysSo) {
-  savedata();
+  EXPECT_FALSE(savedata());
   ExpectMessage("", "No Valid BIN File is currently Open.");
   EXPECT_TRUE(AllFiles().empty());
 }
@@ -59,7 +59,7 @@ TEST_F(BinSave, OtherExtensionsAreRefusedAndClearTheTarget) {
     CalChanged = true;
     TargetBinPath = std::string("/home/user/v6") + extension;
     const auto before = CalValues;
-    savedata();
+    EXPECT_FALSE(savedata());
     ExpectMessage("File Extension Error", std::string("INCORRECT FILE EXTENSION:   ") + extension +
                                               "\n\r\n\rReEnter a New FileName");
     EXPECT_EQ(TargetBinPath, "");
@@ -214,7 +214,7 @@ TEST_F(BinSave, FailedOpenOfAnotherFileDoesNotLoseTheWayToSave) {
 TEST_F(BinSave, ValueOutsideOfSixteenBitsLeavesTheBinAndNoS19) {
   OpenAndChange();
   CalValues[4] = 1e8F;
-  savedata();
+  EXPECT_FALSE(savedata());
   ExpectErrorBox(6, "Overflow", report);
   EXPECT_EQ(FileBytes(binPath), BytesOfCalibration());
   EXPECT_EQ(FileTextOf(s19Path), "old");
@@ -236,7 +236,7 @@ TEST_F(BinSave, FullDiskLeavesBothFilesAsTheyWere) {
   OpenAndChange();
   const auto before = FileBytes(binPath);
   FailNthWrite(1, FailureDiskFull);
-  savedata();
+  EXPECT_FALSE(savedata());
   ExpectErrorBox(61, "Disk full", report);
   EXPECT_EQ(FileBytes(binPath), before);
   EXPECT_EQ(FileTextOf(s19Path), "old");
@@ -246,7 +246,7 @@ TEST_F(BinSave, FullDiskLeavesBothFilesAsTheyWere) {
 TEST_F(BinSave, DiskThatFillsUpBetweenTheFilesIsToldAndLeavesChangesUnsaved) {
   OpenAndChange();
   FailNthWrite(2, FailureDiskFull);
-  savedata();
+  EXPECT_FALSE(savedata());
   ExpectErrorBox(61, "Disk full");
   EXPECT_EQ(FileBytes(binPath), BytesOfCalibration());
   EXPECT_EQ(FileTextOf(s19Path), "old");

@@ -6,6 +6,7 @@
 #include "core/binfile.h"
 #include "core/globalstate.h"
 #include "link/comm.h"
+#include "platform/failure.h"
 #include "platform/frame.h"
 #include "platform/headless/script.h"
 #include "platform/loop.h"
@@ -149,6 +150,16 @@ TEST_F(HotKeyTest, CtrlSSaves) {
   EXPECT_EQ(Top(), "Editor");
 }
 
+TEST_F(HotKeyTest, CtrlSWithNothingOpenSaysSoAndStays) {
+  Editor();
+  CalChanged = true;
+  PressKey("Ctrl+S");
+  ExpectBox("No Valid BIN File is currently Open.");
+  EXPECT_TRUE(CalChanged);
+  EXPECT_TRUE(AllFiles().empty());
+  EXPECT_EQ(Top(), "Editor");
+}
+
 TEST_F(HotKeyTest, CtrlXClosesTheScreenAndEnds) {
   Editor();
   PressKey("Ctrl+X");
@@ -227,6 +238,55 @@ TEST_F(SaveAndProgramTest, LeavesAMonitorOfAnotherModeToItself) {
   PressKey("Ctrl+Z");
   EXPECT_EQ(TakeNotes(), "-Editor");
   RunPending();
+}
+
+TEST_F(SaveAndProgramTest, ASaveThatFailsProgramsNothing) {
+  Editor();
+  FailNthWrite(1, FailureDiskFull);
+  PressKey("Ctrl+Z");
+  RunPending();
+  EXPECT_EQ(TakeBox().title, "Error");
+  EXPECT_EQ(TakeNotes(), "-Editor");
+  EXPECT_TRUE(CalChanged);
+  EXPECT_FALSE(KillFirst);
+  EXPECT_EQ(Top(), "Form1");
+}
+
+TEST_F(SaveAndProgramTest, WithNothingOpenItSaysSoAndProgramsNothing) {
+  CurrentBinPath.clear();
+  TargetBinPath.clear();
+  Editor();
+  PressKey("Ctrl+Z");
+  RunPending();
+  ExpectBox("No Valid BIN File is currently Open.");
+  EXPECT_EQ(TakeNotes(), "-Editor");
+  EXPECT_FALSE(KillFirst);
+  EXPECT_EQ(Top(), "Form1");
+}
+
+TEST_F(SaveAndProgramTest, AProgrammerThatRefusesDoesNotKillTheEngineLater) {
+  RegisterScreen("Program_ZEM", [this] { Note("refused"); });
+  Editor();
+  PressKey("Ctrl+Z");
+  RunPending();
+  EXPECT_EQ(TakeNotes(), "-Editor refused +Monitor1 -Monitor1");
+  EXPECT_FALSE(KillFirst);
+}
+
+// The main menu has been loaded during the session, which took its mode away.
+TEST_F(SaveAndProgramTest, WhileASessionKeepsThePortItSavesAndRefusesTheRest) {
+  StandIn("Monitor3", ScreenPlacement::Above);
+  OpenScreen("Monitor3");
+  Editor();
+  PortHeld = true;
+  PressKey("Ctrl+Z");
+  ExpectBox(PortRefusal);
+  EXPECT_FALSE(CalChanged);
+  EXPECT_EQ(Top(), "Form1");
+  PortHeld = false;
+  RunPending();
+  EXPECT_EQ(TakeNotes(), "-Editor");
+  EXPECT_FALSE(KillFirst);
 }
 
 TEST_F(SaveAndProgramTest, NeverRunsInsideALiveLoop) {
