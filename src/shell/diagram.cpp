@@ -4,11 +4,13 @@
 #include <array>
 #include <string>
 
+#include "platform/loop.h"
 #include "shell/calscreen.h"
 #include "shell/commands.h"
 #include "shell/guide.h"
 #include "shell/hotkeys.h"
 #include "shell/mainframe.h"
+#include "shell/mainmenu.h"
 #include "shell/navigation.h"
 
 namespace {
@@ -141,7 +143,12 @@ void RunNode(Screen& screen, std::size_t node) {
   if (node >= nodes.size() || !HasEffect(nodes[node].text)) return;
   UnloadScreen(screen);
   Run(*ActionOf(nodes[node].text));
-  ReturnToMainMenu();
+  // In a live session the queue waits for its end; a command that was refused must not leave the
+  // frame empty until then.
+  if (YieldDepth() > 0 && !AnythingUp())
+    ShowMainMenu();
+  else
+    ReturnToMainMenu();
 }
 
 void OnKey(Screen& screen, KeyEvent& event) {

@@ -44,4 +44,8 @@ void ViewGuideFromMainMenu() {
   if (!RefusedWhileLive()) ViewGuide("Form1");
 }
 
-void ViewGuideFromTools() { ViewGuide("STools"); }
+void ViewGuideFromTools() {
+  if (RefusedWhileLive()) return;
+  GoTo("STools");  // the tree has been closed
+  ViewGuide("STools");
+}

@@ -6,10 +6,12 @@
 
 #include "core/globalstate.h"
 #include "platform/headless/script.h"
+#include "platform/loop.h"
 #include "platform/system.h"
 #include "shell/calscreen.h"
 #include "shell/navigation.h"
 #include "shell/shelltest.h"
+#include "shell/tools.h"
 
 namespace {
 
@@ -122,9 +124,31 @@ TEST_F(DiagramTest, ProgrammingFromTheTreeEndsInTheMainMenu) {
 TEST_F(DiagramTest, TheGuideFromTheTreeEndsInTheTools) {
   PutTextFile("/home/user/Halvane_Software_User's_Guide.txt", "A guide.\n");
   DoubleClickNode(Soft_Dia, "TreeView1", "View Software User's Guide");
-  ASSERT_EQ(StartedProcesses().size(), 1u);
   RunPending();
-  EXPECT_NE(Top(), "Soft_Dia");
+  ASSERT_EQ(StartedProcesses().size(), 1u);
+  EXPECT_FALSE(Soft_Dia.loaded);
+  EXPECT_EQ(Top(), "STools");
+  EXPECT_FALSE(STools.enabled);
+  StartedProcesses()[0].ended(0);
+  RunPending();
+  EXPECT_EQ(Top(), "STools");
+  EXPECT_TRUE(STools.enabled);
+}
+
+TEST_F(DiagramTest, ACommandRefusedInALiveSessionComesBackToTheMainMenu) {
+  bool stop = false;
+  RunFromQueue([&stop] {
+    while (!stop) Yield();
+  });
+  AfterMs(5, [this] {
+    MonitorMode = 3;
+    DoubleClickNode(Soft_Dia, "TreeView1", "Software Tools");
+    ExpectBox(LiveRefusal);
+    EXPECT_EQ(Top(), "Form1");
+  });
+  AfterMs(10, [&stop] { stop = true; });
+  RunPending();
+  EXPECT_EQ(Top(), "Form1");
 }
 
 TEST_F(DiagramTest, OptionsFromTheTreeEndInTheMainMenu) {
