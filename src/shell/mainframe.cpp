@@ -67,9 +67,9 @@ void UnloadMainFrame() {
   if (ending) return;
   ending = true;
   // A save that failed has told why; the question comes again, so that edits go only when the user
-  // says so.
-  while (!OfferSavingChanges()) {
-  }
+  // says so. Without a name to save under it could never succeed.
+  while (!OfferSavingChanges())
+    if (TargetBinPath.empty()) SaveCalibrationAs();
   UnloadAllScreens();
   StoreFramePlace(frmMain);
   CloseFrame(frmMain);

@@ -190,6 +190,20 @@ TEST_F(EndTest, ALeftSaveAsStillGetsTheQuestionOfTheFrame) {
   EXPECT_TRUE(ProgramEnding());
 }
 
+TEST_F(EndTest, ChangesWithoutANameAreOfferedToBeSavedUnderOne) {
+  TargetBinPath.clear();  // a save under a wrong extension has cleared it
+  CalChanged = true;
+  AnswerNextBox(Answer::Yes);
+  AnswerNextBox(Answer::Ok);
+  AnswerNextFile("/home/user/kept.bin");
+  CloseFrameByUser();
+  ExpectBox(saveQuestion, "Save File Data", Buttons::YesNo);
+  ExpectBox("No Valid BIN File is currently Open.");
+  EXPECT_EQ(TakeBox().title, " Save BIN file As");
+  EXPECT_EQ(FileBytes("/home/user/kept.bin").size(), 2048u);
+  EXPECT_TRUE(ProgramEnding());
+}
+
 TEST_F(EndTest, ScreensAreUnloadedLastFirst) {
   StandIn("A", ScreenPlacement::Above);
   StandIn("B");
