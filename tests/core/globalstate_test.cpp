@@ -21,9 +21,13 @@ TEST(ThermistorTable, StandsAt130UpToCount17AndEndsAtMinus40) {
   EXPECT_EQ(ThermistorTable[255], -40);
 }
 
-TEST(ThermistorTable, NeverRisesAndKeepsItsSum) {
+TEST(ThermistorTable, NeverRisesAndKeepsItsSums) {
   EXPECT_TRUE(std::is_sorted(ThermistorTable.rbegin(), ThermistorTable.rend()));
   EXPECT_EQ(std::accumulate(ThermistorTable.begin(), ThermistorTable.end(), 0), 13437);
+  // A degree moved from one count to another changes this sum.
+  std::array<int, 256> counts{};
+  std::iota(counts.begin(), counts.end(), 0);
+  EXPECT_EQ(std::inner_product(counts.begin(), counts.end(), ThermistorTable.begin(), 0), 935902);
 }
 
 TEST(WizardLists, HaveTheirShapes) {

@@ -90,7 +90,11 @@ TEST_F(StartupTest, VersionStandsInTheCaptions) {
             "Halvane2 Version " + number + "  Currently Open 'BIN' File = /home/user/v8.bin");
 }
 
-TEST_F(StartupTest, WithoutAFrameThereIsNoCaption) { ShowOpenFile("/home/user/v8.bin"); }
+TEST_F(StartupTest, WithoutAFrameThereIsNoCaption) {
+  ASSERT_EQ(TheFrame(), nullptr);
+  EXPECT_NO_THROW(ShowOpenFile("/home/user/v8.bin"));
+  EXPECT_EQ(TheFrame(), nullptr);
+}
 
 TEST_F(StartupTest, FrameTakesThePlaceOfTheLastRun) {
   Frame frame;
