@@ -299,9 +299,15 @@ bool SendOpeningOffsets() {
   return CommError == 0;
 }
 
+// What came late to a command before must not stand in front of the read-back, whose bytes count by
+// their places: every try would find it shifted by as much.
+void DropLateAnswers() { MSComm1.unread.clear(); }
+
 bool TryOpening(const OnflySession& session) {
   constexpr WaitRule waitAfterClear{32721, 1, WaitTest::Equal};
+  DropLateAnswers();
   if (!AllowLoopControl()) return false;
+  DropLateAnswers();
   getgama();
   if (CommError != 0 || LoopMustEnd()) return false;
   cleartdc();

@@ -201,11 +201,35 @@ void GiveBackLoopControl() {
   if (forced && MSComm1.PortOpen && !MSComm1.gone) togego();
 }
 
+// An answer that is still on its way when the port closes would reach whoever opens it next, and
+// stand in front of the answer to his first command. Waits until the line is quiet again.
+void WaitForQuietLine() {
+  constexpr std::int64_t quietUs = 5'000;
+  constexpr std::int64_t longestUs = 60'000;  // the longest answer, and the unit's own time
+  const std::int64_t begunUs = MonotonicMicroseconds();
+  std::int64_t lastByteUs = begunUs;
+  std::size_t heard = MSComm1.heard.size();
+  while (!LinkLost() && MonotonicMicroseconds() - begunUs < longestUs) {
+    if (heard > 0 && MonotonicMicroseconds() - lastByteUs >= quietUs) return;
+    Yield();
+    if (MSComm1.heard.size() == heard) continue;
+    heard = MSComm1.heard.size();
+    lastByteUs = MonotonicMicroseconds();
+  }
+}
+
+// Nothing of the session is on the line any more when the port closes.
+void ReleaseLine() {
+  WaitForQuietLine();
+  DropLateBytes();
+  GiveBackLoopControl();
+  MSComm1.Close();
+}
+
 bool RetryWanted() {
   MonitorStop = 1;
   if (ScreenUp()) HideScreen(*run.monitor->screen);
-  GiveBackLoopControl();
-  MSComm1.Close();
+  ReleaseLine();
   ComErrorDialog();
   return DialogChoice == RetryComPort && ScreenUp() && !ProgramEnding();
 }
@@ -250,8 +274,7 @@ void Finish() {
   MonitorStop = 1;
   MonitorMode = 0;
   if (ScreenUp()) UnloadScreen(*run.monitor->screen);
-  GiveBackLoopControl();
-  MSComm1.Close();
+  ReleaseLine();
   PortHeld = false;
   CommError = 0;
   DropUnsent();

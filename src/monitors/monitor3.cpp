@@ -131,13 +131,23 @@ void ShowStatus(const char* text, Colour colour) {
   SetBackColour(status, colour);
 }
 
-void ShowFigure(const LiveFigure& figure) {
-  SetCaption(At(Monitor3, figure.control), FigureText(figure));
-  if (figure.unitNow) SetCaption(At(Monitor3, Named(figure.control, unitPart)), FigureUnit(figure));
+// The labels of the figures while the screen is loaded, so that a frame is shown without a search.
+struct FigureLabels {
+  Control* value;
+  Control* unit;
+};
+std::array<FigureLabels, figures.size()> labels;
+
+void Load(Screen& screen) {
+  for (std::size_t i = 0; i < figures.size(); ++i)
+    labels[i] = {&At(screen, figures[i].control), &At(screen, Named(figures[i].control, unitPart))};
 }
 
 void ShowFigures() {
-  for (const LiveFigure& figure : figures) ShowFigure(figure);
+  for (std::size_t i = 0; i < figures.size(); ++i) {
+    SetCaption(*labels[i].value, FigureText(figures[i]));
+    if (figures[i].unitNow) SetCaption(*labels[i].unit, FigureUnit(figures[i]));
+  }
   SetForeColour(At(Monitor3, "DutyCaption"),
                 DutyPercent() > 100 ? colours.warning : colours.caption);
 }
@@ -229,7 +239,8 @@ Screen Monitor3{.name = "Monitor3",
                 .title = "Click Form to Activate Keys    \"F1\" For Help",
                 .placement = ScreenPlacement::Above,
                 .build = Build,
-                .on = {.unload = Unload,
+                .on = {.load = Load,
+                       .unload = Unload,
                        .closeBox = [](Screen&) { StopLive(); },
                        .keyDown = OnKey,
                        .click =
