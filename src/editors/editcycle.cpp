@@ -245,7 +245,10 @@ void LostFocusStep(Editor& editor, const EditorField& row) {
     Activate(editor, row);
     row.leaving(editor, row);
   }
-  SetBackColour(ControlOf(editor, row), RestColour(editor, row));
+  Control& control = ControlOf(editor, row);
+  // In a window that does not have the keys itself a selection would stay in sight.
+  SelectText(control, 0, 0);
+  SetBackColour(control, RestColour(editor, row));
   ColourLabel(editor, row.label, SystemButtonFace);
 }
 

@@ -268,6 +268,14 @@ TEST_F(VeTableTest, LeavingACellRestoresTextThatWasNotEntered) {
   EXPECT_EQ(CellText(20), "-12");
 }
 
+TEST_F(VeTableTest, OnlyTheSelectedCellHasItsTextSelected) {
+  Select(20);
+  PressKey("Right");
+  PressKey("Up");
+  for (int cell : {20, 21}) EXPECT_EQ(The(At(cell)).selLength, 0) << cell;
+  EXPECT_TRUE(AllSelected(At(29)));
+}
+
 TEST_F(VeTableTest, LeavingACellTakesTheTablesFromTheCalibration) {
   CalValues[188] = 0.4F;
   Select(20);
