@@ -1,0 +1,183 @@
+// The serial dialogue in real time: programming a simulated control unit at the pace of 9600 baud
+// against the wire's own time, the CPU time of a wait for a silent unit, and how long a reply waits
+// until it is seen. The exit code tells whether all three are within their limits.
+//   link_bench [ROUNDS]
+#include <fcntl.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/globalstate.h"
+#include "core/s19file.h"
+#include "link/comm.h"
+#include "link/programmer.h"
+#include "platform/loop.h"
+#include "platform/system.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// 1,357 characters to the unit and 35 answers of two bytes, ten bits each, one after the other.
+constexpr double wireMs = (1357 + 35 * 2) * 10 * 1000.0 / 9600;
+// What the protocol demands on top: the rest of the pause after "E" and its answer's way back fall
+// together; "P" has left long before its own pause is over.
+constexpr double pausesMs = (PauseAfterTest + PauseBeforeProgram) / 10.0;
+constexpr double wireRatioToStayUnder = 1.03;
+constexpr double cpuShareToStayUnder = 0.03;
+constexpr double replyMsToStayUnder = 1;
+
+double MillisecondsSince(Clock::time_point begin) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+double CpuMs() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto ms = [](const timeval& time) { return time.tv_sec * 1e3 + time.tv_usec / 1e3; };
+  return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+// ---- programming --------------------------------------------------------------------------------
+
+// The simulator as a child that goes with this object.
+struct Simulator {
+  explicit Simulator(const std::string& link) {
+    process = fork();
+    if (process == 0) {
+      execl(ZEMSIM, ZEMSIM, "--quiet", "--link", link.c_str(), nullptr);
+      _exit(127);
+    }
+    while (!std::filesystem::exists(link))
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  ~Simulator() {
+    kill(process, SIGTERM);
+    waitpid(process, nullptr, 0);
+  }
+  pid_t process = 0;
+};
+
+bool MeasureProgramming(const std::filesystem::path& folder, int rounds) {
+  Simulator simulator((folder / "zem").string());
+  setenv("HALVANE2_COM1", (folder / "zem").c_str(), 1);
+  CurrentBinPath = (folder / "bench.bin").string();
+  for (std::size_t i = 0; i < 512; ++i) BinImage[i] = static_cast<std::int16_t>(i * 7 % 256);
+  std::ofstream(S19Path(CurrentBinPath), std::ios::binary) << S19Text(BinImage);
+  std::vector<double> times;
+  for (int round = 0; round < rounds; ++round) {
+    const auto begin = Clock::now();
+    OpenProgram_ZEM();
+    times.push_back(MillisecondsSince(begin));
+    const Control* result = Find(Program_ZEM, "Result");
+    const bool verified = result && result->caption.find("VERIFIED") != std::string::npos;
+    UnloadScreen(Program_ZEM);
+    if (!verified) {
+      std::puts("programming     not verified");
+      return false;
+    }
+  }
+  const double median = Median(times);
+  const bool good = median <= wireMs * wireRatioToStayUnder + pausesMs;
+  std::printf("programming     %.1f ms, wire %.1f ms and pauses %.1f ms: %.2f %% above  %s\n",
+              median, wireMs, pausesMs, 100 * (median / (wireMs + pausesMs) - 1),
+              good ? "ok" : "TOO SLOW");
+  return good;
+}
+
+// ---- waiting ------------------------------------------------------------------------------------
+
+// A terminal of our own with nobody behind it.
+struct Terminal {
+  Terminal() : master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) exit(2);
+    termios raw{};
+    tcgetattr(master, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(master, TCSANOW, &raw);
+    setenv("HALVANE2_COM1", ptsname(master), 1);
+  }
+  ~Terminal() { close(master); }
+  int master;
+};
+
+bool MeasureSilence() {
+  Terminal terminal;
+  if (!OpenCommPort(2, 0)) return false;
+  const double cpuBefore = CpuMs();
+  const auto begin = Clock::now();
+  RxBuffer.clear();
+  const WaitEnd end = PollingWait({100000, 1, WaitTest::Equal});
+  const double wall = MillisecondsSince(begin);
+  const double cpu = CpuMs() - cpuBefore;
+  MSComm1.Close();
+  const bool good = end == WaitEnd::TimeOut && cpu / wall < cpuShareToStayUnder;
+  std::printf("silent unit     100000 passes in %.0f ms (%.1f us each), %.2f %% of a core  %s\n",
+              wall, wall / 100, 100 * cpu / wall, good ? "ok" : "TOO MUCH");
+  return good;
+}
+
+bool MeasureReply(int rounds) {
+  Terminal terminal;
+  if (!OpenCommPort(2, 0)) return false;
+  std::vector<double> delays;
+  for (int round = 0; round < rounds; ++round) {
+    std::atomic<Clock::time_point> sentAt;
+    RxBuffer.clear();
+    std::thread unit([&] {
+      std::this_thread::sleep_for(std::chrono::microseconds(3000 + 137 * (round % 50)));
+      sentAt = Clock::now();
+      if (write(terminal.master, "AX", 2) != 2) exit(2);
+    });
+    const WaitEnd end = PollingWait(WaitForFrame);
+    const auto seen = Clock::now();
+    unit.join();
+    if (end != WaitEnd::Reply) return false;
+    delays.push_back(std::chrono::duration<double, std::milli>(seen - sentAt.load()).count());
+  }
+  MSComm1.Close();
+  const double median = Median(delays);
+  const double worst = *std::max_element(delays.begin(), delays.end());
+  const bool good = median < replyMsToStayUnder;
+  std::printf("reply seen      after %.3f ms (median of %d), %.3f ms at worst  %s\n", median,
+              rounds, worst, good ? "ok" : "TOO LATE");
+  return good;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::array<char, 32> name{"/tmp/link_bench.XXXXXX"};
+  if (!mkdtemp(name.data())) return 2;
+  const std::filesystem::path folder(name.data());
+  setenv("QT_QPA_PLATFORM", "offscreen", 0);
+  setenv("XDG_CONFIG_HOME", folder.c_str(), 1);  // the user's own settings stay as they are
+  StartPlatform(argc, argv);
+  const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
+  ComPort = 1;
+  SaveSetting("Options", "Comport", "1");
+  bool good = MeasureSilence();
+  good &= MeasureReply(rounds * 40);
+  good &= MeasureProgramming(folder, rounds);
+  std::filesystem::remove_all(folder);
+  return good ? 0 : 1;
+}
