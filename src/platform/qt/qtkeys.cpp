@@ -67,7 +67,8 @@ KeyEvent ToKeyEvent(const QKeyEvent& event) {
                .ctrl = held.testFlag(Qt::ControlModifier),
                .alt = held.testFlag(Qt::AltModifier),
                .shift = held.testFlag(Qt::ShiftModifier),
-               .keypad = held.testFlag(Qt::KeypadModifier)};
+               .keypad = held.testFlag(Qt::KeypadModifier),
+               .repeat = event.isAutoRepeat()};
   key.character = CharacterOf(event);
   // Both together write the third sign of a key on some keyboards.
   if (key.ctrl && key.alt && key.character != 0) key.ctrl = key.alt = false;
