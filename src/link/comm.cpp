@@ -45,10 +45,6 @@ constexpr CommEventRow commEventRows[] = {
     {1011, "Error retrieving DCB"},
 };
 
-void ShowStatus(const std::string& text) {
-  if (Frame* frame = TheFrame()) SetStatusPanel(*frame, 0, "Status: " + text);
-}
-
 void Raise(int commEvent) {
   MSComm1.CommEvent = commEvent;
   MSComm1_OnComm();
@@ -70,7 +66,7 @@ void NoteGone(const std::string& why) {
   if (MSComm1.gone) return;
   MSComm1.gone = true;
   PortTrouble = why;
-  ShowStatus(why);
+  ShowLinkStatus(why);
 }
 
 }  // namespace
@@ -129,6 +125,10 @@ std::string CommEventText(int commEvent) {
   return "Unknown error or event";
 }
 
+void ShowLinkStatus(const std::string& text) {
+  if (Frame* frame = TheFrame()) SetStatusPanel(*frame, 0, "Status: " + text);
+}
+
 void MSComm1_OnComm() {
   switch (MSComm1.CommEvent) {
     case CommEvReceive:
@@ -138,7 +138,7 @@ void MSComm1_OnComm() {
     case CommEvEndOfFile:
       return;
     default:
-      ShowStatus(CommEventText(MSComm1.CommEvent));
+      ShowLinkStatus(CommEventText(MSComm1.CommEvent));
   }
 }
 

@@ -60,6 +60,9 @@ enum CommEventNumber : int {
 // The status text of an event; "Unknown error or event" when it has no row.
 std::string CommEventText(int commEvent);
 
+// Shows "Status: " and the text in the first panel of the status bar.
+void ShowLinkStatus(const std::string& text);
+
 // ---- the state of the link ----------------------------------------------------------------------
 
 // The last input that was delivered; it replaces the one before. Empty: no reply yet.

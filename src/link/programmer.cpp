@@ -200,6 +200,8 @@ bool ProgramOnce() {
       return false;
     case Ending::NoUnit:
       CleanUp();
+      if (RxBuffer.empty())
+        ShowLinkStatus("No answer from the ZEM on COM" + std::to_string(MSComm1.CommPort));
       return false;
     case Ending::OldProm:
       CleanUp();

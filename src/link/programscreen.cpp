@@ -13,20 +13,22 @@ namespace {
 
 struct LabelRow {
   const char* name;
-  const char* in;
+  double fontScale;
   bool bold;
 };
-constexpr LabelRow titleLabels[] = {
-    {"FileLine", "", true}, {"SoftwareLine", "", false}, {"PromLine", "", false},
-    {"Version", "", false}, {"Progress", "", true},
+constexpr LabelRow titleRows[] = {
+    {"FileLine", 1.1, true}, {"SoftwareLine", 1, false}, {"PromLine", 1, false},
+    {"Version", 1, false},   {"Progress", 1.1, true},
 };
+constexpr LabelRow endRows[] = {{"Result", 1.3, true}, {"Hint", 1, false}};
 
-Control CentredLabel(std::string name, bool bold) {
-  return {.name = std::move(name),
-          .kind = ControlKind::Label,
-          .place = {.align = Align::Centre},
-          .textAlign = Align::Centre,
-          .bold = bold};
+void AddLabel(Screen& screen, const LabelRow& row) {
+  Add(screen, {.name = row.name,
+               .kind = ControlKind::Label,
+               .place = {.in = "Middle", .align = Align::Fill},
+               .textAlign = Align::Centre,
+               .fontScale = row.fontScale,
+               .bold = row.bold});
 }
 
 void AddCounter(Screen& screen, const char* name, const char* caption) {
@@ -42,20 +44,26 @@ void AddCounter(Screen& screen, const char* name, const char* caption) {
                .framed = true});
 }
 
-void Build(Screen& screen) {
-  Add(screen, {.name = "Above", .kind = ControlKind::Spacer});
-  for (const LabelRow& row : titleLabels) Add(screen, CentredLabel(row.name, row.bold));
-  At(screen, "FileLine").wrap = true;
-  Add(screen, {.name = "Counters", .kind = ControlKind::Row, .place = {.align = Align::Centre}});
+void AddCounters(Screen& screen) {
+  Add(screen, {.name = "Counters",
+               .kind = ControlKind::Row,
+               .place = {.in = "Middle", .align = Align::Fill}});
   AddCounter(screen, "Record", "Record");
   AddCounter(screen, "Pass", "Pass");
   Add(screen, {.name = "Bar",
                .kind = ControlKind::ProgressBar,
-               .place = {.in = "Counters"},
-               .widthChars = 40,
+               .place = {.in = "Counters", .align = Align::Fill, .stretch = 1},
                .accessibleName = "Programmed"});
-  Add(screen, CentredLabel("Result", true));
-  Add(screen, CentredLabel("Hint", false));
+}
+
+void Build(Screen& screen) {
+  Add(screen, {.name = "Above", .kind = ControlKind::Spacer});
+  Add(screen, {.name = "Middle", .kind = ControlKind::Column, .place = {.align = Align::Centre}});
+  for (const LabelRow& row : titleRows) AddLabel(screen, row);
+  At(screen, "FileLine").wrap = true;
+  At(screen, "FileLine").widthChars = 64;
+  AddCounters(screen);
+  for (const LabelRow& row : endRows) AddLabel(screen, row);
   Add(screen, {.name = "Below", .kind = ControlKind::Spacer});
   Add(screen, {.name = "Command1",
                .kind = ControlKind::Button,

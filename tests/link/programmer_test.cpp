@@ -322,9 +322,13 @@ TEST_F(ProgramTest, OldPromAtTheReopeningEndsIt) {
 
 // ---- nobody there, old PROM ---------------------------------------------------------------------
 
-TEST_F(ProgramTest, SilentUnitEndsWithoutAWord) {
+TEST_F(ProgramTest, SilentUnitEndsWithoutAWordButForTheStatusLine) {
+  Frame frame{.statusPanels = {"", "1"}};
+  ShowFrame(frame);
   device->Fail("silent");
   OpenProgram_ZEM();
+  EXPECT_EQ(frame.statusPanels[0], "Status: No answer from the ZEM on COM1");
+  CloseFrame(frame);
   ExpectReleased();
   EXPECT_FALSE(AnyBoxShown());
   EXPECT_FALSE(helpfrm.loaded);
