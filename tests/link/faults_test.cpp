@@ -175,7 +175,7 @@ TEST_F(ProgrammingSequence, RandomFaultsAndUsersAlwaysEndReleased) {
   const std::vector<std::size_t> offsets = CommandOffsets();
   auto upTo = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
   int verified = 0;
-  for (int session = 0; session < 300; ++session) {
+  for (int session = 0; session < 150; ++session) {
     if (session % 10 == 0) {
       device.reset();
       device.emplace(sim::ZemSettings{.paced = session % 30 != 0});
@@ -199,7 +199,7 @@ TEST_F(ProgrammingSequence, RandomFaultsAndUsersAlwaysEndReleased) {
     AdvanceMs(4000);
     ASSERT_FALSE(HasFailure()) << session;
   }
-  EXPECT_GT(verified, 30) << "the sequence must not be all faults";
+  EXPECT_GT(verified, 15) << "the sequence must not be all faults";
 }
 
 // ---- the live session ---------------------------------------------------------------------------

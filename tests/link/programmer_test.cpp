@@ -589,7 +589,7 @@ TEST_F(ProgramTest, PulledCableShowsTheFailureScreenAtOnceAndRetryCarriesOn) {
 // ---- Back at any moment -------------------------------------------------------------------------
 
 TEST_F(ProgramTest, BackAtAnyMomentReleasesAtOnce) {
-  for (std::int64_t atUs = 0; atUs < 1'600'000; atUs += 5'170) {
+  for (std::int64_t atUs = 0; atUs < 1'600'000; atUs += 10'730) {
     const std::int64_t start = NowUs();
     std::int64_t leftAt = 0;
     AtUs(start + atUs, [&] {
