@@ -65,16 +65,14 @@ void StepValue(bool up) {
   if (CursorColumn == 1 || !Editable()) return;
   SetText(At(Graph3D, "Value_Text"), "");
   const StepRule rule = RowOf(SelectedTable).rule;
-  float& value = ValueAtCursor();
-  // The limits are compared as singles, as the values are.
-  bool atLimit =
-      up ? value >= static_cast<float>(rule.top) : value <= static_cast<float>(rule.bottom);
-  if (!atLimit) {
-    value = static_cast<float>(up ? std::min(value + rule.step, rule.top)
-                                  : std::max(value - rule.step, rule.bottom));
-    WriteBack();
-    GraphDims();
-  }
+  const double value = ValueOfNode(ValueAtCursor());
+  if (up ? value >= rule.top : value <= rule.bottom) return;
+  // A value with a fraction does not step over the limit.
+  const double next =
+      up ? std::min(value + rule.step, rule.top) : std::max(value - rule.step, rule.bottom);
+  ValueAtCursor() = static_cast<float>(next);
+  WriteBack();
+  GraphDims();
 }
 
 // Result: whether the key is one of the graph's.
@@ -173,6 +171,8 @@ void Build(Screen&) {
 }
 
 void Load(Screen&) {
+  EntryPending = 0;
+  HelpScreen = Graph3D.name;
   CursorColumn = 1;
   CursorRow = 1;
   GraphDims();
@@ -202,7 +202,7 @@ int RowAfter(int row, bool up) {
 
 void RegisterGraph3D() {
   Graph3D.name = "Graph3D";
-  Graph3D.title = "3D GRAPH     Halvane2";
+  Graph3D.title = "3D GRAPH  -  Halvane2";
   Graph3D.cancelButton = "Command1";
   Graph3D.defaultFocus = "Command1";
   Graph3D.build = Build;

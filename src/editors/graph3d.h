@@ -12,7 +12,7 @@ extern Screen Graph3D;
 extern int CursorColumn;
 extern int CursorRow;
 
-// Geometry and value axis for the size of the canvas and the nodes as they are.
+// Geometry for the size of the canvas.
 void GraphDims();
 // Back walls, floor, tick marks and axis texts.
 void DrawAxes();

@@ -17,11 +17,12 @@ struct NodeRange {
 };
 
 NodeRange RangeOf(const WorkGrid& nodes) {
-  NodeRange range{nodes[1][1], nodes[1][1]};
+  NodeRange range{ValueOfNode(nodes[1][1]), ValueOfNode(nodes[1][1])};
   for (int row = 1; row <= SurfaceRows; ++row)
     for (int column = 1; column <= SurfaceColumns; ++column) {
-      range.lowest = std::min<double>(range.lowest, nodes[row][column]);
-      range.highest = std::max<double>(range.highest, nodes[row][column]);
+      const double value = ValueOfNode(nodes[row][column]);
+      range.lowest = std::min(range.lowest, value);
+      range.highest = std::max(range.highest, value);
     }
   return range;
 }
@@ -32,6 +33,8 @@ bool StandsInTheMiddle(int table, int veView) {
 
 }  // namespace
 
+double ValueOfNode(float node) { return std::round(node * 1e4) / 1e4; }
+
 ValueAxis ValueAxisOf(int table, int veView, const WorkGrid& nodes) {
   NodeRange range = RangeOf(nodes);
   switch (table) {
@@ -40,8 +43,7 @@ ValueAxis ValueAxisOf(int table, int veView, const WorkGrid& nodes) {
     case TableAdvance:
       return {0, range.highest > 30 ? 60.0 : 30.0};
     case TableAirFuel: {
-      // The nodes are singles, and so are the ends that they are compared with.
-      bool wide = range.lowest < 13.5f || range.highest > 15.78f;
+      bool wide = range.lowest < 13.5 || range.highest > 15.78;
       return wide ? ValueAxis{10.14, 19.14} : ValueAxis{13.5, 15.78};
     }
     default:
@@ -53,9 +55,11 @@ ValueAxis ValueAxisOf(int table, int veView, const WorkGrid& nodes) {
   return wide ? ValueAxis{-50, 50} : ValueAxis{-30, 30};
 }
 
-SurfaceGeometry SurfaceGeometryOf(int widthPixels, int heightPixels) {
+SurfaceGeometry SurfaceGeometryOf(int widthPixels, int heightPixels, double belowPixels) {
   SurfaceGeometry geometry;
-  geometry.scale = std::max(0.1, std::min(widthPixels / DesignWidth, heightPixels / DesignHeight));
+  // The box ends at its near corner; what is below is room for labels, whose size is the font's.
+  double fitting = (heightPixels - belowPixels) / geometry.originY;
+  geometry.scale = std::max(0.1, std::min(widthPixels / DesignWidth, fitting));
   geometry.originX *= geometry.scale;
   geometry.originY *= geometry.scale;
   geometry.speedLength *= geometry.scale;
@@ -65,7 +69,10 @@ SurfaceGeometry SurfaceGeometryOf(int widthPixels, int heightPixels) {
   geometry.sine = std::sin(GroundAngle);
   geometry.horizonColumns = static_cast<int>(std::lround(DesignWidth * geometry.scale));
   geometry.horizonStart *= geometry.scale;
+  double moreLines = std::max(0.0, heightPixels - DesignHeight * geometry.scale) / 2;
   geometry.originX += std::max(0.0, (widthPixels - geometry.horizonColumns) / 2.0);
+  geometry.originY += moreLines;
+  geometry.horizonStart += moreLines;
   geometry.horizonColumns = std::max(widthPixels, geometry.horizonColumns);
   return geometry;
 }
@@ -161,6 +168,20 @@ void Horizon::AddEdge(Point from, Point to, Colour colour, std::vector<Stretch>&
   }
   if (open)
     visible.push_back({start, {static_cast<double>(last), intercept + slope * last}, colour});
+}
+
+bool CropToLines(Point& from, Point& to, double topLine, double bottomLine) {
+  if (std::max(from.y, to.y) < topLine || std::min(from.y, to.y) > bottomLine) return false;
+  const Point first = from, last = to;
+  auto crop = [&](Point& end) {
+    double line = std::clamp(end.y, topLine, bottomLine);
+    if (line == end.y) return;
+    end.x = first.x + (last.x - first.x) * ((line - first.y) / (last.y - first.y));
+    end.y = line;
+  };
+  crop(from);
+  crop(to);
+  return true;
 }
 
 std::vector<Stretch> VisibleStretches(const SurfaceGeometry& geometry, const SurfaceNodes& nodes) {

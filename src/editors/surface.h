@@ -11,6 +11,10 @@
 inline constexpr int SurfaceColumns = 12;  // engine speed positions 1 to 12
 inline constexpr int SurfaceRows = 10;     // load positions 1 to 10
 
+// A node's value to four decimals, without what single precision leaves on it: a stored 0.3 times
+// 100 is 30.000002 there, and neither beyond 30 nor a good start for steps to a whole 20.
+double ValueOfNode(float node);
+
 // Ends of the value axis.
 struct ValueAxis {
   double bottom = 0;
@@ -20,8 +24,8 @@ struct ValueAxis {
 // Chosen from all nodes of TableWork, margins included, for the table and the view of VE.
 ValueAxis ValueAxisOf(int table, int veView, const WorkGrid& nodes);
 
-// Fixed geometry in pixels. At 640 by 480 it is the original's; a larger surface scales it as a
-// whole and has a wider horizon.
+// Fixed geometry in pixels. At 640 by 480 it stands as laid out; on any other canvas it is scaled
+// as a whole, with a horizon as wide as the canvas.
 struct SurfaceGeometry {
   double scale = 1;
   double originX = 325;
@@ -34,7 +38,8 @@ struct SurfaceGeometry {
   int horizonColumns = 640;
   double horizonStart = 600;  // the lowest screen line
 };
-SurfaceGeometry SurfaceGeometryOf(int widthPixels, int heightPixels);
+// The largest that fits, with so many pixels left free below the box for labels.
+SurfaceGeometry SurfaceGeometryOf(int widthPixels, int heightPixels, double belowPixels = 0);
 
 // Corners of the box in which the surface stands.
 struct SurfaceBox {
@@ -85,6 +90,10 @@ class Horizon {
  private:
   std::vector<double> lines;  // index 1 to the number of columns
 };
+
+// The piece of a line between two screen lines, so that a value far beyond the axis is no line of
+// millions of pixels. Result: false when nothing is left.
+bool CropToLines(Point& from, Point& to, double topLine, double bottomLine);
 
 // All visible stretches, in drawing order.
 std::vector<Stretch> VisibleStretches(const SurfaceGeometry& geometry, const SurfaceNodes& nodes);

@@ -73,6 +73,13 @@ TEST(ValueAxis, VeOneNodeBeyondThirtyEndsAtFifty) {
   EXPECT_EQ(ValueAxisOf(TableVe, 0, FlatWith(0, 5, 7, -31)), (ValueAxis{-50, 50}));
 }
 
+TEST(ValueAxis, AStoredThirtyPercentIsNotBeyondThirty) {
+  const auto thirty = static_cast<float>(0.3f * 100.0);  // 30.000002
+  EXPECT_EQ(ValueAxisOf(TableVe, 0, Flat(thirty)), (ValueAxis{-30, 30}));
+  EXPECT_EQ(ValueAxisOf(TableVe, 0, Flat(-thirty)), (ValueAxis{-30, 30}));
+  EXPECT_EQ(ValueAxisOf(TableVe, 0, Flat(30.001f)), (ValueAxis{-50, 50}));
+}
+
 TEST(ValueAxis, MarginsCountToo) {
   EXPECT_EQ(ValueAxisOf(TableVe, 0, FlatWith(0, 1, 1, 31)), (ValueAxis{-50, 50}));
   EXPECT_EQ(ValueAxisOf(TableVe, 0, FlatWith(0, 10, 12, 31)), (ValueAxis{-50, 50}));
@@ -121,12 +128,28 @@ TEST(SurfaceGeometry, At640ColumnsItIsTheFixedOne) {
 }
 
 TEST(SurfaceGeometry, ALargerSurfaceScalesItAndWidensTheHorizon) {
-  SurfaceGeometry g = SurfaceGeometryOf(1920, 1080);
-  EXPECT_DOUBLE_EQ(g.scale, 2.25);
-  EXPECT_DOUBLE_EQ(g.speedLength, 210 * 2.25);
-  EXPECT_DOUBLE_EQ(g.horizonStart, 600 * 2.25);
+  SurfaceGeometry g = SurfaceGeometryOf(1920, 1080, 40);
+  EXPECT_DOUBLE_EQ(g.scale, 3);
+  EXPECT_DOUBLE_EQ(g.speedLength, 630);
+  EXPECT_DOUBLE_EQ(g.originX, 975);
+  EXPECT_DOUBLE_EQ(g.originY, 930);
+  EXPECT_DOUBLE_EQ(g.horizonStart, 1800);
   EXPECT_EQ(g.horizonColumns, 1920);
-  EXPECT_DOUBLE_EQ(g.originX, 325 * 2.25 + (1920 - 1440) / 2.0);
+}
+
+TEST(SurfaceGeometry, AFlatCanvasLeavesRoomForTheLabelsAndStandsInTheMiddle) {
+  SurfaceGeometry g = SurfaceGeometryOf(1920, 660, 40);
+  EXPECT_DOUBLE_EQ(g.scale, 2);
+  EXPECT_DOUBLE_EQ(g.originY, 620);
+  EXPECT_DOUBLE_EQ(g.originX, 650 + (1920 - 1280) / 2.0);
+  EXPECT_EQ(g.horizonColumns, 1920);
+}
+
+TEST(SurfaceGeometry, ATallCanvasSharesWhatIsLeftAboveAndBelow) {
+  SurfaceGeometry g = SurfaceGeometryOf(640, 1480, 40);
+  EXPECT_DOUBLE_EQ(g.scale, 1);
+  EXPECT_DOUBLE_EQ(g.originY, 310 + 500);
+  EXPECT_DOUBLE_EQ(g.horizonStart, 1100);
 }
 
 TEST(SurfaceGeometry, NoSizeAtAllIsHarmless) {
@@ -299,6 +322,22 @@ TEST(FloatingHorizon, ValuesThatAreNoNumbersDrawNothing) {
   EXPECT_TRUE(EdgeOn(horizon, {1, nan}, {10, 10}).empty());
   EXPECT_TRUE(EdgeOn(horizon, {nan, 10}, {10, 10}).empty());
   EXPECT_TRUE(EdgeOn(horizon, {1, endless}, {10, 10}).empty());
+}
+
+TEST(FloatingHorizon, ALineIsCroppedToTheScreenLinesAskedFor) {
+  Point from{0, -100}, to{10, 100};
+  EXPECT_TRUE(CropToLines(from, to, -50, 20));
+  EXPECT_EQ(from, (Point{2.5, -50}));
+  EXPECT_EQ(to, (Point{6, 20}));
+  from = {0, 1e30}, to = {10, -1e30};
+  EXPECT_TRUE(CropToLines(from, to, -100, 100));
+  EXPECT_DOUBLE_EQ(from.y, 100);
+  EXPECT_DOUBLE_EQ(to.y, -100);
+  from = {0, -200}, to = {10, -101};
+  EXPECT_FALSE(CropToLines(from, to, -100, 100));
+  from = {0, 3}, to = {10, 4};
+  EXPECT_TRUE(CropToLines(from, to, -100, 100));
+  EXPECT_EQ(to, (Point{10, 4}));
 }
 
 TEST_F(Surface, AFlatTableShowsEveryEdgeOfItsFrontAndNothingTwice) {
