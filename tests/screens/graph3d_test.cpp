@@ -428,7 +428,7 @@ TEST_F(Graph3DTest, AMarginStepChangesThePictureButNoCell) {
     const auto picture = Picture();
     const float value = TableWork[row][column];
     PressKey("Plus");
-    EXPECT_EQ(TableWork[row][column], value + 1);
+    EXPECT_EQ(TableWork[row][column], ValueOfNode(value) + 1);
     EXPECT_NE(Picture(), picture);
     EXPECT_TRUE(CalChanged);
     EXPECT_EQ(CalValues, before);
