@@ -371,11 +371,11 @@ TEST_F(Graph3DTest, ALimitIsReachedExactlyByHundredthsToo) {
 
 // A byte of the image hangs on it: 255 * 0.2 is 51, of the least bit less it is 50.
 TEST_F(Graph3DTest, StepsStoreTheVeryNumbersThatEntriesStore) {
-  for (int from : {-50, -37, -1, 0, 29, 30}) {
+  for (int from : {-50, 0, 29}) {
     CalValues[126] = static_cast<float>(from / 100.0);
     OpenVe();
     WalkToCell(2);
-    for (int percent = from + 1; percent <= 50; ++percent) {
+    for (int percent = from + 1; percent <= from + 21; ++percent) {
       PressKey("Plus");
       ASSERT_EQ(CalValues[126], static_cast<float>(percent / 100.0)) << from << " " << percent;
     }
@@ -592,7 +592,7 @@ TEST_F(Graph3DTest, ADamagedCalibrationIsDrawnAndWalkedWithoutHarm) {
         VeView = view;
         damage.make();
         OpenGraphOf(one);
-        for (int i = 0; i < 12; ++i) {
+        for (int i = 0; i < 6; ++i) {
           PressKey("Right");
           PressKey("Up");
           PressKey(i % 2 ? "Plus" : "Minus");
