@@ -7,6 +7,7 @@
 #include "editors/editlayout.h"
 #include "platform/dialogs.h"
 #include "shell/hotkeys.h"
+#include "shell/mainframe.h"
 
 namespace {
 
@@ -269,7 +270,10 @@ void ConnectEvents(Editor& editor) {
     EditorLoaded(editor);
   };
   // It may come back to another calibration, or to a session that has begun or ended.
-  on.shown = [&editor](Screen&) { Redraw(editor); };
+  on.shown = [&editor](Screen&) {
+    DoStats();
+    Redraw(editor);
+  };
   on.unload = [&editor](Screen&) { EditorUnloaded(editor); };
   on.closeBox = [&editor](Screen&) { RunBack(editor); };
   on.keyDown = [&editor](Screen&, KeyEvent& event) { ScreenKey(editor, event); };

@@ -175,6 +175,18 @@ TEST_F(EditorHotKeys, CtrlAloneDoesNothing) {
   EXPECT_EQ(ShownText(Injectors(), "Text1"), "10.000");
 }
 
+TEST_F(EditorHotKeys, ComingBackToTheFrontRewritesTheStatusBar) {
+  ChooseMenu("mnuHelpAbout");
+  RunPending();
+  SetStatusPanel(frmMain, 0, "Status: Framing Error");
+  SetStatusPanel(frmMain, 1, "?");
+  PressKey("Esc");
+  RunPending();
+  EXPECT_EQ(Top(), "Binj_graph");
+  EXPECT_EQ(frmMain.statusPanels,
+            (std::vector<std::string>{" ALT + _Letter = Local HOT KEYS [F1 = HELP] ", "1"}));
+}
+
 TEST_F(EditorHotKeys, CtrlMShowsTheMonitor) {
   PressKey("Ctrl+M");
   RunPending();
