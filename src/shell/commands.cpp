@@ -66,9 +66,7 @@ void ComeBackFromProgramming() {
 }
 
 void ShowDigitalMonitor() {
-  if (!TopWorkScreen()) ShowMainMenu("ViewMonitor");
-  MonitorMode = 3;
-  RefreshMainMenu();
+  ShowMenuBesideMonitor();
   OpenLive("Monitor3", RefreshMainMenu);
 }
 
@@ -76,6 +74,12 @@ void ShowDigitalMonitor() {
 
 std::string_view MonitorOfSetting() {
   return ReadSetting("Options", "Screensetting") == 0 ? "Monitor1" : "Monitor3";
+}
+
+void ShowMenuBesideMonitor() {
+  if (!TopWorkScreen()) ShowMainMenu("ViewMonitor");
+  MonitorMode = 3;
+  RefreshMainMenu();
 }
 
 void EditCalibration() {

@@ -19,5 +19,8 @@ void ShowOptions();
 
 // The screen of the monitor that "Screensetting" names.
 std::string_view MonitorOfSetting();
+// Begins an ONFLY session: the screen that is up stays, otherwise the main menu comes, with the
+// buttons off that the session forbids.
+void ShowMenuBesideMonitor();
 // The data logger of the view menu: asks for its file and logs at once.
 void ShowDatalogScreen();

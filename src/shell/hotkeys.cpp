@@ -65,12 +65,23 @@ constexpr std::array<HotKey, 12> hotKeys = {{
     {'Z', Plain<SaveAndProgram>},
 }};
 
+// Loading a monitor runs it until it is left. The digital one has the main menu beside it.
+void RunMonitorOfMenu() {
+  const MenuItem* digital = FindMenu(frmMain, "mnuoptionscreen2");
+  const std::string_view monitor = digital && digital->checked ? "Monitor3" : "Monitor1";
+  if (monitor == "Monitor3" && ScreenRegistered(monitor)) ShowMenuBesideMonitor();
+  OpenScreen(monitor);
+  UnloadNamed(monitor);
+  RefreshMainMenu();
+  ReturnToMainMenu();
+}
+
 // Whether a session holds the port that nobody has told to end. What waits in the queue would run
 // only after it, when the user no longer thinks of it.
 bool SessionGoesOn() { return PortHeld && MonitorStop == 0; }
 
-// Loading the programmer programs; loading the monitor runs it until it is left. After a save that
-// failed the S19 file is not that of the calibration in memory, and the engine is left alone.
+// Loading the programmer programs. After a save that failed the S19 file is not that of the
+// calibration in memory, and the engine is left alone.
 void ProgramAndMonitor() {
   if (!savedata()) {
     ReturnToMainMenu();
@@ -80,11 +91,7 @@ void ProgramAndMonitor() {
   OpenScreen("Program_ZEM");
   UnloadNamed("Program_ZEM");
   KillFirst = false;  // a programmer that has refused leaves it set
-  const MenuItem* digital = FindMenu(frmMain, "mnuoptionscreen2");
-  const std::string_view monitor = digital && digital->checked ? "Monitor3" : "Monitor1";
-  OpenScreen(monitor);
-  UnloadNamed(monitor);
-  ReturnToMainMenu();
+  RunMonitorOfMenu();
 }
 
 }  // namespace

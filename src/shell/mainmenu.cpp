@@ -54,9 +54,8 @@ void Build(Screen& screen) {
                .place = {.in = "Groups", .row = 1, .column = 0, .columnSpan = 2}});
   const std::span<const ButtonRow> all = rows;
   AddButtons(screen, all.first(all.size() - 1));
-  Add(screen, {.name = "Rest",
-               .kind = ControlKind::Spacer,
-               .place = {.in = "Program", .stretch = 1}});
+  Add(screen,
+      {.name = "Rest", .kind = ControlKind::Spacer, .place = {.in = "Program", .stretch = 1}});
   AddButtons(screen, all.last(1));  // the exit stands apart
 }
 

@@ -217,6 +217,22 @@ TEST_F(SaveAndProgramTest, ShowsTheDigitalMonitorWhenItsEntryIsChecked) {
   EXPECT_EQ(TakeNotes(), "-Editor programmed -Program_ZEM +Monitor3 -Monitor3");
 }
 
+TEST_F(SaveAndProgramTest, TheDigitalMonitorHasTheMainMenuBesideIt) {
+  SetMenuChecked(frmMain, "mnuoptionscreen2", true);
+  RegisterScreen("Monitor3", [] {
+    EXPECT_EQ(MonitorMode, 3);
+    EXPECT_EQ(Top(), "Form1");
+    EXPECT_FALSE(ShownEnabled(Form1, "ProgramZem"));
+    EXPECT_TRUE(ShownEnabled(Form1, "EditCalibration"));
+    MonitorMode = 0;
+  });
+  Editor();
+  PressKey("Ctrl+Z");
+  RunPending();
+  EXPECT_EQ(Top(), "Form1");
+  EXPECT_TRUE(ShownEnabled(Form1, "ProgramZem"));
+}
+
 TEST_F(SaveAndProgramTest, UnloadsTheDigitalMonitorFirstInAnOnflySession) {
   StandIn("Monitor3", ScreenPlacement::Above);
   OpenScreen("Monitor3");
