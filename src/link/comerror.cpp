@@ -104,8 +104,10 @@ void BuildRefused(Screen& screen) {
                .fontScale = 1.3,
                .bold = true,
                .foreColour = Red});
-  Add(screen,
-      {.name = "Command1", .kind = ControlKind::Button, .caption = "Please Enter Data Again"});
+  Add(screen, {.name = "Command1",
+               .kind = ControlKind::Button,
+               .caption = "Please Enter Data Again",
+               .place = {.align = Align::Centre}});
 }
 
 }  // namespace
