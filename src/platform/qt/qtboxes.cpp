@@ -6,9 +6,11 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QTreeView>
 #include <algorithm>
 #include <vector>
 
@@ -121,6 +123,16 @@ QStringList NameFilters(const std::string& filter) {
   return filters;
 }
 
+// Room for names and for the date of each file.
+void ShowWholeDates(QFileDialog& box) {
+  box.resize(box.sizeHint().expandedTo({box.fontMetrics().averageCharWidth() * 110, 460}));
+  auto* files = box.findChild<QTreeView*>();
+  if (!files) return;
+  files->header()->setStretchLastSection(false);
+  files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
 void RunFileDialog(FileDialog& dialog, QFileDialog::AcceptMode mode) {
   QString folder = !dialog.folder.empty() ? ToQt(dialog.folder)
                    : lastFolder.isEmpty() ? QDir::currentPath()
@@ -136,6 +148,7 @@ void RunFileDialog(FileDialog& dialog, QFileDialog::AcceptMode mode) {
   if (!dialog.fileName.empty()) box.selectFile(ToQt(dialog.fileName));
   SetTitle(box, dialog.title);
   box.setProperty("filter", ToQt(dialog.filter));
+  ShowWholeDates(box);
   bool chosen = RunBox(box) == QDialog::Accepted && !box.selectedFiles().isEmpty();
   if (!chosen) RaiseFailure(FailureCancel);
   QString path = box.selectedFiles().front();

@@ -50,6 +50,7 @@ struct State {
   bool ending = false;
   int exitCode = 0;
   int holds = 0;
+  int sleepingAt = 0;  // depth of the yield that sleeps, 0 when none does
   std::int64_t passesLeft = 0;
   std::int64_t toolkitTurn = 0;
 };
@@ -81,6 +82,11 @@ class Queue : public QObject {
   void customEvent(QEvent*) override { Turn(); }
 
   void timerEvent(QTimerEvent* event) override {
+    if (event->timerId() == sleep.timerId()) {
+      // Nobody sleeps in this loop any more: the queue is back at the program, or in a box.
+      if (Loop().sleepingAt != YieldDepth()) sleep.stop();
+      return;
+    }
     auto found = Loop().timers.find(event->timerId());
     if (found == Loop().timers.end()) return;
     std::shared_ptr<Ticking> ticking = found->second;
@@ -113,9 +119,11 @@ bool OnlyBytes(std::int64_t now) {
 // are left to count off.
 void SleepInTheQueue(std::int64_t start) {
   State& loop = Loop();
-  TheQueue().sleep.start(SleepMilliseconds, Qt::PreciseTimer, &TheQueue());
+  if (!TheQueue().sleep.isActive())
+    TheQueue().sleep.start(SleepMilliseconds, Qt::PreciseTimer, &TheQueue());
+  loop.sleepingAt = YieldDepth();
   QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  TheQueue().sleep.stop();
+  loop.sleepingAt = 0;
   std::int64_t now = MonotonicMicroseconds();
   loop.toolkitTurn = now;
   loop.passesLeft = std::min(now - start, SleepCountsAtMost) / PassMicroseconds - 1;
@@ -134,6 +142,7 @@ void StartPlatform(int& argc, char** argv) {
   PrepareStyle();
   loop.application = std::make_unique<QApplication>(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setApplicationName("Halvane2");
   ApplyStyle();
   ListenToKeys();
 }

@@ -17,6 +17,23 @@ class ScreenStyle : public QProxyStyle {
  public:
   ScreenStyle() : QProxyStyle(QStyleFactory::create("Fusion")) {}
 
+  // An entry of the menu bar that is switched off on its own is a line to be read.
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    const auto* item = element == CE_MenuBarItem
+                           ? qstyleoption_cast<const QStyleOptionMenuItem*>(option)
+                           : nullptr;
+    if (!item || item->state & State_Enabled || !widget || !widget->isEnabled()) {
+      QProxyStyle::drawControl(element, option, painter, widget);
+      return;
+    }
+    QStyleOptionMenuItem readable = *item;
+    for (auto role : {QPalette::ButtonText, QPalette::WindowText, QPalette::Text})
+      readable.palette.setColor(QPalette::Disabled, role,
+                                readable.palette.color(QPalette::Active, QPalette::WindowText));
+    QProxyStyle::drawControl(element, &readable, painter, widget);
+  }
+
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* data) const override {
     switch (hint) {
