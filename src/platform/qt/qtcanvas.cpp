@@ -2,6 +2,7 @@
 // appended is all that is painted, and shows that picture.
 #include "platform/qt/qtcanvas.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QImage>
 #include <QMouseEvent>
@@ -23,6 +24,7 @@ namespace {
 struct Layer {
   QImage image;
   Colour paper = 0;
+  qint64 theme = 0;  // roles had these colours
   unsigned long generation = 0;
   unsigned long foreground = 0;
   std::size_t count = 0;
@@ -68,7 +70,8 @@ class Canvas : public QFrame {
 bool Canvas::Fits(const Layer& layer, const Drawing& drawing) const {
   QSize pixels = contentsRect().size() * devicePixelRatioF();
   return layer.image.size() == pixels && layer.generation == drawing.generation &&
-         layer.paper == drawing.paper && !layer.image.isNull();
+         layer.paper == drawing.paper && layer.theme == QApplication::palette().cacheKey() &&
+         !layer.image.isNull();
 }
 
 void Canvas::Start(Layer& layer, const Drawing& drawing) const {
@@ -77,6 +80,7 @@ void Canvas::Start(Layer& layer, const Drawing& drawing) const {
   layer.image.setDevicePixelRatio(devicePixelRatioF());
   layer.image.fill(ToQColor(drawing.paper));
   layer.paper = drawing.paper;
+  layer.theme = QApplication::palette().cacheKey();
   layer.generation = drawing.generation;
   layer.foreground = drawing.foreground;
   layer.count = 0;

@@ -56,6 +56,9 @@ class MainWindow : public QMainWindow {
         FocusByRecord(*screen);
       }
     }
+    // The desktop has changed to dark or back.
+    if (event->type() == QEvent::ApplicationPaletteChange)
+      for (Screen* screen : LoadedScreens()) NativeScreenChanged(*screen);
     return QMainWindow::event(event);
   }
 };

@@ -139,7 +139,6 @@ void StartPlatform(int& argc, char** argv) {
     ResetLoop();
     return;
   }
-  PrepareStyle();
   loop.application = std::make_unique<QApplication>(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setApplicationName("Halvane2");

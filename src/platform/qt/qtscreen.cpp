@@ -43,6 +43,12 @@ class ScrolledContent : public QScrollArea {
     setFocusPolicy(Qt::NoFocus);
   }
   QSize sizeHint() const override { return widget() ? widget()->sizeHint() : QSize(100, 100); }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) updateGeometry();
+    return QScrollArea::eventFilter(watched, event);
+  }
 };
 
 // A window of its own, above the frame or in front of it.
@@ -221,11 +227,19 @@ void ShowRecords(QtScreen& native) {
   NativeScreenChanged(*native.screen);
 }
 
+// Works out the sizes of everything inside, so that the page can be asked for its own.
+void SettleLayouts(QWidget& widget) {
+  for (QObject* child : widget.children())
+    if (child->isWidgetType()) SettleLayouts(static_cast<QWidget&>(*child));
+  if (widget.layout()) widget.layout()->activate();
+  widget.updateGeometry();
+}
+
+// Hands the size of the page down to everything inside.
 void ActivateLayouts(QWidget& widget) {
   if (widget.layout()) widget.layout()->activate();
   for (QObject* child : widget.children())
-    if (child->isWidgetType() && !static_cast<QWidget*>(child)->isWindow())
-      ActivateLayouts(static_cast<QWidget&>(*child));
+    if (child->isWidgetType()) ActivateLayouts(static_cast<QWidget&>(*child));
 }
 
 void TellCanvasSizes(QtScreen& native) {
@@ -233,7 +247,6 @@ void TellCanvasSizes(QtScreen& native) {
     return child.control->kind == ControlKind::Canvas;
   });
   if (!any) return;
-  ActivateLayouts(*native.page);
   for (QtControl& child : native.controls) {
     if (!child.control || child.control->kind != ControlKind::Canvas) continue;
     QRect inside = child.widget->contentsRect();
@@ -299,6 +312,7 @@ void NativeShowScreen(Screen& screen) {
   NativeFrame frame;
   if (!native.shown) ShowRecords(native);
   CarryOutChanges();
+  if (!native.shown) SettleLayouts(*native.page);
   switch (screen.placement) {
     case ScreenPlacement::Work:
       ShowWorkPage(*native.page);
@@ -310,7 +324,9 @@ void NativeShowScreen(Screen& screen) {
       ShowWindow(native);
       break;
   }
-  if (!std::exchange(native.shown, true)) TellCanvasSizes(native);
+  if (std::exchange(native.shown, true)) return;
+  ActivateLayouts(*native.page);
+  TellCanvasSizes(native);
 }
 
 void NativeHideScreen(Screen& screen) {
@@ -360,6 +376,12 @@ void NativeScreenChanged(Screen& screen) {
   } else {
     native->window->setWindowTitle(ToQt(screen.title));
   }
+}
+
+QString TitleShownOn(const Screen& screen) {
+  QtScreen* native = NativeOf(screen);
+  if (!native) return {};
+  return native->window ? native->window->windowTitle() : native->heading->Text();
 }
 
 // ---- focus and activation -----------------------------------------------------------------------

@@ -21,6 +21,8 @@ struct QtScreen {
   bool shown = false;  // at least once: the record stands on the widgets
 };
 
+// The title as it stands above a screen or in its title bar.
+QString TitleShownOn(const Screen& screen);
 // The close box of a screen: its button, and what it does.
 class QToolButton;
 QToolButton* CreateCloseButton(QtScreen& native, QWidget* parent);

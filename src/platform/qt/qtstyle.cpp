@@ -106,14 +106,6 @@ void SetText(QPalette& palette, const QColor& colour) {
 
 }  // namespace
 
-void PrepareStyle() {
-  // Loading the desktop's theme plugin costs more than the rest of the start together; its file
-  // dialogs and icons are not used.
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORMTHEME"))
-    qputenv("QT_QPA_PLATFORMTHEME", "generic");
-  if (qEnvironmentVariableIsEmpty("QT_ACCESSIBILITY")) return;
-}
-
 void ApplyStyle() { QApplication::setStyle(Make<ScreenStyle>()); }
 
 QColor ToQColor(Colour colour) {

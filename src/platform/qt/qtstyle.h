@@ -10,8 +10,7 @@
 struct Control;
 class QWidget;
 
-// Before and after the application object exists.
-void PrepareStyle();
+// Once the application object exists. Fonts and colours stay the desktop's.
 void ApplyStyle();
 
 QColor ToQColor(Colour colour);

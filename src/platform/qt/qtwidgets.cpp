@@ -11,6 +11,7 @@
 #include <QStyleOption>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "platform/qt/qtbase.h"
@@ -22,7 +23,7 @@ constexpr int WrapChars = 72;     // width of a text of many lines that has no w
 constexpr int FieldCharsByDefault = 16;
 
 int Digits(const QWidget& widget, int count) {
-  return widget.fontMetrics().horizontalAdvance(u'0') * count;
+  return static_cast<int>(std::ceil(QFontMetricsF(widget.font()).horizontalAdvance(u'0') * count));
 }
 
 // Size of a list, tree or text area of so many lines and digits.

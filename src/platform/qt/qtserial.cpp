@@ -1,0 +1,151 @@
+// The serial line where devices are no files (Windows): the toolkit's serial port. Bytes are told
+// from its signals, and each write is flushed at once.
+#include <QtGlobal>
+
+#ifndef Q_OS_UNIX
+
+#include <QSerialPort>
+#include <charconv>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "platform/loop.h"
+#include "platform/native.h"
+#include "platform/port.h"
+#include "platform/qt/qtbase.h"
+#include "platform/qt/qtport.h"
+
+namespace {
+
+struct Port {
+  PortHandle handle = 0;
+  QSerialPort line;
+  PortEvents events;
+  bool gone = false;
+};
+
+std::map<PortHandle, std::shared_ptr<Port>> openPorts;
+PortHandle lastHandle = 0;
+
+std::shared_ptr<Port> Opened(PortHandle handle) {
+  auto found = openPorts.find(handle);
+  return found == openPorts.end() ? nullptr : found->second;
+}
+
+// "9600,N,8,1"; false when that is none.
+bool Apply(QSerialPort& line, const std::string& settings) {
+  int baud = 0;
+  auto [rest, error] = std::from_chars(settings.data(), settings.data() + settings.size(), baud);
+  std::string mode(rest, settings.data() + settings.size());
+  if (error != std::errc() || mode.size() != 6) return false;
+  auto parity = mode[1] == 'E'   ? QSerialPort::EvenParity
+                : mode[1] == 'O' ? QSerialPort::OddParity
+                                 : QSerialPort::NoParity;
+  line.setBaudRate(baud);
+  line.setParity(parity);
+  line.setDataBits(mode[3] == '7' ? QSerialPort::Data7 : QSerialPort::Data8);
+  line.setStopBits(mode[5] == '2' ? QSerialPort::TwoStop : QSerialPort::OneStop);
+  line.setFlowControl(QSerialPort::NoFlowControl);
+  return true;
+}
+
+std::string WhyNot(const std::string& device, const QSerialPort& line) {
+  switch (line.error()) {
+    case QSerialPort::DeviceNotFoundError:
+      return "There is no device " + device + ". Connect the cable or the adapter and try again.";
+    case QSerialPort::PermissionError:
+    case QSerialPort::OpenError:
+      return device + " is in use by another program. Close that program and try again.";
+    default:
+      return device + " cannot be opened: " + FromQt(line.errorString()) + ".";
+  }
+}
+
+void TellGone(Port& port) {
+  if (port.gone) return;
+  port.gone = true;
+  RunSoon([handle = port.handle] {
+    std::shared_ptr<Port> open = Opened(handle);
+    if (open && open->events.disconnected)
+      open->events.disconnected("The device has been disconnected.");
+  });
+}
+
+bool TellBytes(PortHandle handle) {
+  std::shared_ptr<Port> port = Opened(handle);
+  if (!port || port->gone || port->line.bytesAvailable() == 0) return false;
+  QByteArray bytes = port->line.readAll();
+  if (port->events.received)
+    Guarded([&] {
+      port->events.received({reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                             static_cast<std::size_t>(bytes.size())});
+    });
+  return true;
+}
+
+void Listen(Port& port) {
+  PortHandle handle = port.handle;
+  QObject::connect(&port.line, &QSerialPort::readyRead, &port.line,
+                   [handle] { TellBytes(handle); });
+  QObject::connect(&port.line, &QSerialPort::errorOccurred, &port.line,
+                   [handle](QSerialPort::SerialPortError error) {
+                     std::shared_ptr<Port> open = Opened(handle);
+                     if (open && error == QSerialPort::ResourceError) TellGone(*open);
+                   });
+}
+
+}  // namespace
+
+PortResult OpenPort(const std::string& device, const std::string& settings, PortEvents events) {
+  auto port = std::make_shared<Port>();
+  port->line.setPortName(ToQt(device));
+  if (!Apply(port->line, settings)) return {0, device + " is no serial port."};
+  if (!port->line.open(QIODevice::ReadWrite)) return {0, WhyNot(device, port->line)};
+  port->line.setDataTerminalReady(true);
+  port->line.setRequestToSend(true);
+  port->line.clear();
+  port->handle = ++lastHandle;
+  port->events = std::move(events);
+  openPorts[port->handle] = port;
+  Listen(*port);
+  return {port->handle, {}};
+}
+
+bool WritePort(PortHandle handle, std::span<const std::uint8_t> bytes) {
+  std::shared_ptr<Port> port = Opened(handle);
+  if (!port || port->gone) return false;
+  auto size = static_cast<qint64>(bytes.size());
+  if (port->line.write(reinterpret_cast<const char*>(bytes.data()), size) != size) {
+    TellGone(*port);
+    return false;
+  }
+  port->line.flush();
+  return !port->gone;
+}
+
+void DiscardInput(PortHandle handle) {
+  if (auto port = Opened(handle)) {
+    port->line.clear(QSerialPort::Input);
+    port->line.readAll();
+  }
+}
+
+// Its signals may be on the stack: it goes when the queue has its next turn.
+void ClosePort(PortHandle handle) {
+  std::shared_ptr<Port> port = Opened(handle);
+  if (!port) return;
+  openPorts.erase(handle);
+  port->line.disconnect();
+  if (port->line.isOpen()) port->line.close();
+  RunSoon([port] {});
+}
+
+bool TellPortBytes() {
+  bool any = false;
+  auto ports = openPorts;
+  for (auto& [handle, port] : ports) any |= TellBytes(handle);
+  return any;
+}
+
+#endif
