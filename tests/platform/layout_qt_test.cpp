@@ -159,6 +159,10 @@ class LayoutCounter : public QObject {
 };
 
 TEST_F(LayoutQtTest, ChangingALabelOfFixedWidthMovesNothing) {
+  screen.build = [](Screen& s) {
+    Add(s, {.name = "Live", .caption = "0", .widthChars = 10, .fontScale = 2});
+    Add(s, Button("Command1", "Stop"));
+  };
   ShowScreen(screen);
   RunPending();
   LayoutCounter counter;

@@ -89,14 +89,6 @@ void ForgetMenus(QMenuBar& bar) {
   entries.clear();
 }
 
-// An inert line of the bar tells what is going on, so it is as readable as the menus beside it.
-void KeepInertLinesReadable(QMenuBar& bar) {
-  QPalette palette = bar.palette();
-  for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
-    palette.setColor(QPalette::Disabled, role, palette.color(QPalette::Active, role));
-  bar.setPalette(palette);
-}
-
 bool Holds(const MenuItem& at, const MenuItem& wanted) {
   if (&at == &wanted) return true;
   return std::any_of(at.items.begin(), at.items.end(),
@@ -116,7 +108,6 @@ void FillTowards(std::vector<MenuItem>& items, const MenuItem& wanted) {
 
 void BuildMenus(QMenuBar& bar, Frame& frame) {
   ForgetMenus(bar);
-  KeepInertLinesReadable(bar);
   for (MenuItem& item : frame.menus) AddEntry(bar, item);
 }
 

@@ -172,13 +172,9 @@ void Forget(QtScreen& native) {
 
 // ---- showing ------------------------------------------------------------------------------------
 
-// What was put into the content after it was laid out has not reached the layouts around it: the
-// queue would tell them only after the window has been shown. A scaled display rounds the size of a
-// window down; without a little more than the content needs, scroll bars would come up.
+// A scaled display rounds the size of a window down; without a little more than the content needs,
+// scroll bars would come up.
 QSize WindowSize(const QtScreen& native, const QRect& desktop) {
-  for (const QtControl& control : native.controls) control.widget->updateGeometry();
-  for (QWidget* around = native.root; !around->isWindow(); around = around->parentWidget())
-    around->updateGeometry();
   constexpr QSize rounding(2, 2);
   QSize size = native.page->sizeHint() + rounding;
   if (native.screen->width > 0) size.setWidth(PixelsOfTwips(native.screen->width));
