@@ -120,7 +120,7 @@ void GoBack() {
       if (Control* button = Find(*screen, row.graphButton)) SetFocus(*button);
 }
 
-void AddField(const char* name, const std::string& caption, int column) {
+void AddField(const char* name, const std::string& caption, int column, int widthChars) {
   std::string label = std::string(name) + "_Label";
   Add(Graph3D, {.name = label,
                 .kind = ControlKind::Label,
@@ -130,7 +130,7 @@ void AddField(const char* name, const std::string& caption, int column) {
   Add(Graph3D, {.name = name,
                 .kind = ControlKind::TextField,
                 .place = {.in = "fields", .row = 0, .column = column + 1},
-                .widthChars = 8,
+                .widthChars = widthChars,
                 .textAlign = Align::Right,
                 .readOnly = true});
 }
@@ -139,16 +139,16 @@ void Build(Screen&) {
   Add(Graph3D, {.name = "Picture1",
                 .kind = ControlKind::Canvas,
                 .place = {.stretch = 1},
-                .minWidth = 560,
-                .minHeight = 320,
+                .minWidth = 540,
+                .minHeight = 300,
                 .backColour = SystemWindow,
                 .foreColour = SystemWindowText,
                 .framed = true,
                 .accessibleName = "3D graph"});
   Add(Graph3D, {.name = "fields", .kind = ControlKind::Grid});
-  AddField("RPM_Text", "Engine Speed Value =", 0);
-  AddField("MAP_Text", "MAP Value =", 2);
-  AddField("Value_Text", Graph3DCaption.fieldCaption, 4);
+  AddField("RPM_Text", "Engine Speed Value =", 0, 5);
+  AddField("MAP_Text", "MAP Value =", 2, 4);
+  AddField("Value_Text", Graph3DCaption.fieldCaption, 4, 6);
   Add(Graph3D, {.name = "Unit_Label",
                 .kind = ControlKind::Label,
                 .caption = Graph3DCaption.unit,

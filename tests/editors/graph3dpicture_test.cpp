@@ -168,7 +168,7 @@ Box BoxOfText(const Primitive& text) {
 
 TEST_F(Graph3DLabels, TextsStandInsideAndApartAtEverySize) {
   OpenScreen("Graph3D");
-  for (auto [width, height] : {std::pair{560, 320},
+  for (auto [width, height] : {std::pair{540, 300},
                                {620, 380},
                                {640, 480},
                                {800, 500},
