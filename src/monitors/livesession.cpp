@@ -28,7 +28,7 @@ struct LiveRun {
   int timeOuts = 0;
   bool commandRuns = false;  // an answer other than a frame is awaited
   bool killAsked = false;
-  bool frameSeen = false;
+  long framesTaken = 0;
   bool frameHeld = false;  // decoded, not shown yet
   bool shownOpen = false;  // the figures show open loop
   std::int64_t shownUs = 0;
@@ -125,7 +125,7 @@ void TakeFrame() {
   DecodeFrame(FrameReader::Monitor);
   if (const auto mean = run.speeds.Add(Live[LiveField::Erpm]))
     run.pair = {*mean, Live.pwOnMs, Live.pwOffMs};
-  run.frameSeen = true;
+  ++run.framesTaken;
   run.frameHeld = true;
   Call(run.monitor->decoded);
 }
@@ -156,7 +156,7 @@ void BeginSession() {
   MonitorStop = 0;
   run.session = {};
   run.timeOuts = 0;
-  run.frameSeen = false;
+  run.framesTaken = 0;
   run.frameHeld = false;
   run.speeds = {};
   run.pair = {};
@@ -333,7 +333,9 @@ void AskToKillEngine() {
 }
 
 void ShowLiveNow() {
-  if (run.monitor && run.frameSeen && ScreenUp()) Show();
+  if (run.monitor && run.framesTaken > 0 && ScreenUp()) Show();
 }
 
 const FramePair& LastFramePair() { return run.pair; }
+
+long LiveFramesTaken() { return run.framesTaken; }

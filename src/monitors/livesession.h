@@ -66,6 +66,9 @@ void AskToKillEngine();
 // Shows Live without a new frame: keys T and F. Nothing happens before the first frame.
 void ShowLiveNow();
 
+// Frames decoded in the session that runs.
+long LiveFramesTaken();
+
 // ---- figures ------------------------------------------------------------------------------------
 
 // A figure of a monitor: where its text comes from.

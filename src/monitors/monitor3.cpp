@@ -112,7 +112,9 @@ void Build(Screen& screen) {
   Add(screen, {.name = "Command1",
                .kind = ControlKind::Button,
                .caption = "EXIT",
-               .place = {.in = "Foot"}});
+               .place = {.in = "Foot"},
+               .backColour = Rgb(225, 225, 225),
+               .foreColour = Black});
 }
 
 void BuildHelp(Screen& screen) {
