@@ -47,6 +47,7 @@ struct State {
   bool turnWaits = false;
   bool routinesWait = false;
   bool queueWaits = false;
+  bool inQueue = false;  // a routine of the queue runs; it may yield for hours
   bool ending = false;
   int exitCode = 0;
   int holds = 0;
@@ -69,7 +70,10 @@ void Turn() {
   if (RunSoonRoutines()) CarryOutChanges();
   if (YieldDepth() == 0) {
     loop.queueWaits = false;
-    if (RunQueuedRoutines()) NativeWake();
+    loop.inQueue = true;
+    const bool ran = RunQueuedRoutines();
+    loop.inQueue = false;
+    if (ran) NativeWake();
   }
   ReleaseScreens();
 }
@@ -102,10 +106,11 @@ Queue& TheQueue() {
   return *queue;
 }
 
-// What has come up at depth 0 can run as soon as the last yield has been left.
+// What has come up at depth 0 can run as soon as the last yield has been left. Behind a routine of
+// the queue comes a turn anyway; one for each of its yields would keep them all from sleeping.
 void LeftYield() {
   State& loop = Loop();
-  if (loop.queueWaits && YieldDepth() == 0) ScheduleTurn();
+  if (loop.queueWaits && YieldDepth() == 0 && !loop.inQueue) ScheduleTurn();
 }
 
 // Bytes that are here are told without a turn of the whole toolkit. Result: whether there were any
@@ -154,6 +159,7 @@ void ResetLoop() {
   loop.exitCode = 0;
   loop.passesLeft = 0;
   loop.queueWaits = false;
+  loop.inQueue = false;
   loop.routinesWait = false;
   ReleaseScreens();
   ResetBoxes();
