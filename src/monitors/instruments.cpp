@@ -39,19 +39,25 @@ struct Dial {
   double radius = 0;
 };
 
-// Four dials beside each other, the tachometer twice as wide as the others.
+// The tachometer takes the left of the canvas at its full height. The other three dials stand on
+// the right, and the bars below them.
+constexpr double tachShare = 0.36;
+constexpr double dialsShare = 0.56;  // of the height
+
+// A dial as large as the room lets it be: a half circle with its digits below.
+Dial DialIn(double left, double width, double height) {
+  constexpr double side = 8, above = 0.06, below = 0.36;
+  const double radius = std::max(10.0, std::min(width / 2 - side, height / (1 + above + below)));
+  const double top = (height - radius * (1 + above + below)) / 2;
+  return {{left + width / 2, top + radius * (1 + above)}, radius};
+}
+
 std::array<Dial, 4> DialsOf(const Control& canvas) {
-  constexpr std::array<double, 4> shares = {0.37, 0.21, 0.21, 0.21};
   const double width = canvas.canvasWidth, height = canvas.canvasHeight;
-  std::array<Dial, 4> dials;
-  double left = 0;
-  for (std::size_t i = 0; i < dials.size(); ++i) {
-    const double room = shares[i] * width;
-    const double radius = std::max(10.0, std::min(room / 2 - 14, height * 0.66));
-    dials[i] = {{left + room / 2, height * 0.76}, radius};
-    left += room;
-  }
-  return dials;
+  const double left = width * tachShare, room = (width - left) / 3;
+  return {DialIn(0, left, height), DialIn(left, room, height * dialsShare),
+          DialIn(left + room, room, height * dialsShare),
+          DialIn(left + 2 * room, room, height * dialsShare)};
 }
 
 struct ScaleMark {
@@ -105,7 +111,7 @@ void DrawFace(Control& canvas, const Dial& dial, const std::vector<ScaleMark>& m
       DrawText(canvas, Polar(dial.centre, dial.radius * 0.72, degrees), mark.text,
                {.colour = colours.figure, .pointSize = points, .anchor = TextAnchor::Centre});
   }
-  const double namePoints = FittingPoints(name, dial.radius * 1.1, dial.radius * 0.17, true);
+  const double namePoints = FittingPoints(name, dial.radius * 0.8, dial.radius * 0.17, true);
   DrawText(canvas, {dial.centre.x, dial.centre.y - dial.radius * 0.42}, name,
            {.colour = colours.caption,
             .pointSize = namePoints,
@@ -144,15 +150,22 @@ struct BarPlace {
 
 constexpr int barCount = 3;
 
-BarPlace PlaceOfBar(const Control& canvas, int index) {
-  const double room = static_cast<double>(canvas.canvasHeight) / barCount;
-  const double top = room * index;
-  return {{8, top + room * 0.52}, {canvas.canvasWidth - 8.0, top + room * 0.9}, top + room * 0.27};
+// The height that a bar and the line above it have.
+double BarRoom(const Control& canvas) {
+  return static_cast<double>(canvas.canvasHeight) * (1 - dialsShare) / barCount;
 }
 
-double LineHeightOf(const Control& canvas) {
-  return static_cast<double>(canvas.canvasHeight) / barCount * 0.42;
+double LineHeightOf(const Control& canvas) { return BarRoom(canvas) * 0.52; }
+
+BarPlace PlaceOfBar(const Control& canvas, int index) {
+  const double room = BarRoom(canvas);
+  const double top = canvas.canvasHeight * dialsShare + room * index;
+  return {{canvas.canvasWidth * tachShare + 8, top + room * 0.58},
+          {canvas.canvasWidth - 8.0, top + room * 0.94},
+          top + room * 0.3};
 }
+
+double WidthOf(const BarPlace& place) { return place.opposite.x - place.corner.x; }
 
 std::array<Bar, barCount> BarsOf(const InstrumentFaces& faces) {
   const std::string load = faces.loadUnit.empty() ? "MAP" : "MAP  " + faces.loadUnit;
@@ -169,9 +182,9 @@ void DrawLevel(Control& canvas, int index, double share, const std::string& digi
   if (right > place.corner.x)
     FillRectangle(canvas, place.corner, {right, place.opposite.y}, {.colour = colour});
   DrawText(
-      canvas, {place.opposite.x - canvas.canvasWidth * 0.22, place.middle}, digits,
+      canvas, {place.corner.x + WidthOf(place) * 0.84, place.middle}, digits,
       {.colour = digitColour,
-       .pointSize = FittingPoints("000.00", canvas.canvasWidth * 0.2, LineHeightOf(canvas), true),
+       .pointSize = FittingPoints("000.00", WidthOf(place) * 0.2, LineHeightOf(canvas) * 1.1, true),
        .bold = true,
        .anchor = TextAnchor::Right});
 }
@@ -182,23 +195,60 @@ bool HasSize(const Control& canvas) { return canvas.canvasWidth > 0 && canvas.ca
 
 double NeedleDegrees(int step) { return leftEnd + turned - step; }
 
+namespace {
+
 void DrawDialFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours) {
-  if (!HasSize(canvas)) return;
-  ClearCanvas(canvas, colours.back);
   const auto dials = DialsOf(canvas);
   const TachBands bands = TachBandsOf(faces.revLimitRpm);
-  DrawBand(canvas, dials[0], bands.yellowFrom, std::min(bands.redFrom, leftEnd), bandYellow);
+  DrawBand(canvas, dials[0], bands.yellowFrom, bands.redFrom, bandYellow);
   DrawBand(canvas, dials[0], bands.redFrom, bands.end, bandRed);
   DrawFace(canvas, dials[0], TachMarks(TachScaleOf(faces.revLimitRpm)), " ERPM   X1000", colours);
   const auto temperatures = TemperatureMarks(faces.fahrenheit);
   DrawFace(canvas, dials[1], temperatures, "CLT " + faces.temperatureUnit, colours);
   DrawFace(canvas, dials[2], temperatures, "MAT " + faces.temperatureUnit, colours);
   DrawFace(canvas, dials[3], VoltMarks(), "TPS V", colours);
+}
+
+void DrawBarFace(Control& canvas, const Bar& bar, const BarPlace& place,
+                 const MonitorColours& colours) {
+  FillRectangle(canvas, place.corner, place.opposite, {.colour = barBack});
+  const double points =
+      FittingPoints("INJECTOR DUTY CYCLE", WidthOf(place) * 0.42, LineHeightOf(canvas), true);
+  DrawText(canvas, {place.corner.x, place.middle}, bar.leftEnd,
+           {.colour = colours.caption, .pointSize = points});
+  DrawText(
+      canvas, {place.corner.x + WidthOf(place) * 0.36, place.middle}, bar.name,
+      {.colour = colours.caption, .pointSize = points, .bold = true, .anchor = TextAnchor::Centre});
+  DrawText(canvas, {place.opposite.x, place.middle}, bar.rightEnd,
+           {.colour = colours.caption, .pointSize = points, .anchor = TextAnchor::Right});
+}
+
+void DrawLevels(Control& canvas, const InstrumentFaces& faces, const InstrumentReadings& readings,
+                const MonitorColours& colours) {
+  constexpr double egoFullVolts = 5;
+  DrawLevel(canvas, 0, readings.load / faces.loadMaximum, readings.loadText, barColour,
+            colours.figure);
+  DrawLevel(canvas, 1, readings.egoVolts / egoFullVolts, readings.egoText, barColour,
+            colours.figure);
+  DrawLevel(canvas, 2, static_cast<double>(readings.dutyBar) / DutyBarMaximum, readings.dutyText,
+            readings.dutyOver ? bandRed : barColour,
+            readings.dutyOver ? colours.warning : colours.figure);
+}
+
+}  // namespace
+
+void DrawFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours) {
+  if (!HasSize(canvas)) return;
+  ClearCanvas(canvas, colours.back);
+  DrawDialFaces(canvas, faces, colours);
+  const auto bars = BarsOf(faces);
+  for (int i = 0; i < barCount; ++i)
+    DrawBarFace(canvas, bars[static_cast<std::size_t>(i)], PlaceOfBar(canvas, i), colours);
   KeepAsBackground(canvas);
 }
 
-void DrawDialNeedles(Control& canvas, const InstrumentFaces& faces,
-                     const InstrumentReadings& readings, const MonitorColours& colours) {
+void DrawReadings(Control& canvas, const InstrumentFaces& faces, const InstrumentReadings& readings,
+                  const MonitorColours& colours) {
   if (!HasSize(canvas)) return;
   ClearForeground(canvas);
   const auto dials = DialsOf(canvas);
@@ -207,41 +257,5 @@ void DrawDialNeedles(Control& canvas, const InstrumentFaces& faces,
   DrawNeedle(canvas, dials[1], readings.cltStep, readings.cltText, colours);
   DrawNeedle(canvas, dials[2], readings.matStep, readings.matText, colours);
   DrawNeedle(canvas, dials[3], readings.tpsStep, readings.tpsText, colours);
-}
-
-void DrawBarFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours) {
-  if (!HasSize(canvas)) return;
-  ClearCanvas(canvas, colours.back);
-  const auto bars = BarsOf(faces);
-  for (int i = 0; i < barCount; ++i) {
-    const Bar& bar = bars[static_cast<std::size_t>(i)];
-    const BarPlace place = PlaceOfBar(canvas, i);
-    FillRectangle(canvas, place.corner, place.opposite, {.colour = barBack});
-    const double points =
-        FittingPoints("INJECTOR DUTY CYCLE", canvas.canvasWidth * 0.44, LineHeightOf(canvas), true);
-    DrawText(canvas, {place.corner.x, place.middle}, bar.leftEnd,
-             {.colour = colours.caption, .pointSize = points});
-    DrawText(canvas, {canvas.canvasWidth * 0.3, place.middle}, bar.name,
-             {.colour = colours.caption,
-              .pointSize = points,
-              .bold = true,
-              .anchor = TextAnchor::Centre});
-    DrawText(canvas, {place.opposite.x, place.middle}, bar.rightEnd,
-             {.colour = colours.caption, .pointSize = points, .anchor = TextAnchor::Right});
-  }
-  KeepAsBackground(canvas);
-}
-
-void DrawBarLevels(Control& canvas, const InstrumentFaces& faces,
-                   const InstrumentReadings& readings, const MonitorColours& colours) {
-  if (!HasSize(canvas)) return;
-  constexpr double egoFullVolts = 5;
-  ClearForeground(canvas);
-  DrawLevel(canvas, 0, readings.load / faces.loadMaximum, readings.loadText, barColour,
-            colours.figure);
-  DrawLevel(canvas, 1, readings.egoVolts / egoFullVolts, readings.egoText, barColour,
-            colours.figure);
-  DrawLevel(canvas, 2, static_cast<double>(readings.dutyBar) / DutyBarMaximum, readings.dutyText,
-            readings.dutyOver ? bandRed : barColour,
-            readings.dutyOver ? colours.warning : colours.figure);
+  DrawLevels(canvas, faces, readings, colours);
 }

@@ -32,14 +32,10 @@ struct InstrumentFaces {
 };
 
 // Clears the canvas and draws the faces as its background. Nothing happens without a size.
-void DrawDialFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours);
-// Needles and digits of the dials.
-void DrawDialNeedles(Control& canvas, const InstrumentFaces& faces,
-                     const InstrumentReadings& readings, const MonitorColours& colours);
-// The same for the three bars.
-void DrawBarFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours);
-void DrawBarLevels(Control& canvas, const InstrumentFaces& faces,
-                   const InstrumentReadings& readings, const MonitorColours& colours);
+void DrawFaces(Control& canvas, const InstrumentFaces& faces, const MonitorColours& colours);
+// Needles, bars and digits of one frame.
+void DrawReadings(Control& canvas, const InstrumentFaces& faces, const InstrumentReadings& readings,
+                  const MonitorColours& colours);
 
 // The direction of a needle step in degrees counter-clockwise from three o'clock. The dial is
 // turned so that both its ends stand level.

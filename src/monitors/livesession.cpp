@@ -187,6 +187,7 @@ Step RunSession() {
     run.commandRuns = true;
     DropLateBytes();
     step = StepOf(ReopenOnflySession(run.session));
+    if (step == Step::Go) Call(run.monitor->reopened);
   }
   return step;
 }

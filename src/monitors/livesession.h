@@ -36,6 +36,8 @@ struct LiveMonitor {
   void (*prepare)() = nullptr;
   // The session is open, before its first frame. May send commands.
   void (*opened)() = nullptr;
+  // The opening commands were sent again after a failure: the offsets of before are gone.
+  void (*reopened)() = nullptr;
   // The top of each pass: pending commands in the monitor's order. One that fails leaves CommError.
   AfterCommands (*send)() = nullptr;
   // Whether a frame is decoded; one that is not keeps the link alive, and no command is sent.

@@ -1,6 +1,7 @@
 // The analog monitor: picture, keys, commands and showing.
 #include "monitors/monitor1.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "monitors/instruments.h"
 #include "monitors/monitor1entry.h"
 #include "monitors/sensorstatus.h"
+#include "platform/frame.h"
 #include "platform/system.h"
 #include "shell/calscreen.h"
 #include "shell/commands.h"
@@ -88,6 +90,7 @@ constexpr Lamp lamps[] = {
 
 constexpr Colour lampRed = Rgb(220, 40, 40);
 constexpr Colour lampGreen = Rgb(30, 150, 60);
+constexpr Colour buttonFace = Rgb(225, 228, 235);
 
 // As the screen was built.
 MonitorColours colours;
@@ -110,7 +113,6 @@ void AddBox(Screen& screen, const char* name, ControlKind kind, Place place,
                .kind = kind,
                .caption = caption,
                .place = std::move(place),
-               .backColour = colours.back,
                .foreColour = colours.caption});
 }
 
@@ -146,7 +148,7 @@ void AddHead(Screen& screen) {
 }
 
 void AddFigure(Screen& screen, const LiveFigure& figure, int index) {
-  constexpr int rows = 6;
+  constexpr int rows = 3;
   const int row = index % rows;
   const int column = index / rows * 3;
   const std::string name(figure.control);
@@ -158,9 +160,8 @@ void AddFigure(Screen& screen, const LiveFigure& figure, int index) {
       Text(name, "", {.in = "Figures", .row = row, .column = column + 1, .align = Align::Fill});
   value.widthChars = 7;
   value.textAlign = Align::Right;
-  value.fontScale = 1.3;
+  value.fontScale = 1.6;
   value.bold = true;
-  value.framed = true;
   value.foreColour = colours.figure;
   value.accessibleName = std::string(figure.caption);
   Add(screen, value);
@@ -219,8 +220,8 @@ void AddFoot(Screen& screen) {
   Add(screen, Text("EnterLine", "Must Press Enter to Change Values", {.in = "Foot"}));
   Control status = Text("EntryStatus", "ACTIVE", {.in = "Foot"});
   status.widthChars = 12;
+  status.foreColour = White;
   status.bold = true;
-  status.framed = true;
   status.textAlign = Align::Centre;
   Add(screen, status);
   Add(screen, {.name = "FootGap", .kind = ControlKind::Spacer, .place = {.in = "Foot"}});
@@ -228,26 +229,44 @@ void AddFoot(Screen& screen) {
   Add(screen, {.name = "Command1",
                .kind = ControlKind::Button,
                .caption = "<< BACK",
-               .place = {.in = "Foot"}});
+               .place = {.in = "Foot"},
+               .backColour = buttonFace,
+               .foreColour = Black});
+}
+
+// A monitor that has to be scrolled shows nothing in time: where the desktop's font is too large
+// for its display, the texts beside the dials become smaller.
+double TextScale() {
+  constexpr double linesHigh = 34, dialsHigh = 200, digitsWide = 68, gapsWide = 110;
+  constexpr double smallest = 0.6;
+  constexpr int narrowestWideDisplay = 1280;
+  const double width = MaximisedFrameWidth();
+  const double height = width * (width < narrowestWideDisplay ? 3.0 / 4 : 9.0 / 16);
+  const TextSize digit = MeasureText("0");
+  const double caption = MeasureText("9. CHANGE AFR OFFSET (UP/ DOWN Arrow Keys) =").width;
+  const double wide = (width - gapsWide) / (caption + digitsWide * digit.width);
+  const double high = (height - dialsHigh) / (linesHigh * digit.height);
+  return std::clamp(std::min(wide, high), smallest, 1.0);
 }
 
 void Build(Screen& screen) {
   colours = ColoursOfSetting();
   screen.backColour = colours.back;
   AddHead(screen);
-  AddCanvas(screen, "Dials", {.stretch = 3}, 600, 150, "ERPM, CLT, MAT and TPS dials");
-  AddBox(screen, "Upper", ControlKind::Row, {});
-  AddCanvas(screen, "Bars", {.in = "Upper", .stretch = 1}, 300, 120, "MAP, EGO and duty bars");
-  AddBox(screen, "Figures", ControlKind::Grid, {.in = "Upper"});
+  AddCanvas(screen, "Dials", {.stretch = 1}, 640, 190,
+            "Dials of ERPM, CLT, MAT and TPS, bars of MAP, EGO and injector duty cycle");
+  AddBox(screen, "Figures", ControlKind::Grid, {});
   for (std::size_t i = 0; i < figures.size(); ++i)
     AddFigure(screen, figures[i], static_cast<int>(i));
   AddBox(screen, "Lower", ControlKind::Row, {});
   AddBox(screen, "Offsets", ControlKind::Grid, {.in = "Lower"});
-  AddOffsetControls(screen, "Offsets", colours.back, colours.caption);
+  AddOffsetControls(screen, "Offsets", colours);
   Add(screen, {.name = "LowerGap", .kind = ControlKind::Spacer, .place = {.in = "Lower"}});
   AddSensorStatus(screen);
   AddLamps(screen);
   AddFoot(screen);
+  const double scale = TextScale();
+  for (Control& control : screen.controls) control.fontScale *= scale;
 }
 
 void BuildHelp(Screen& screen) {
@@ -262,14 +281,13 @@ void BuildHelp(Screen& screen) {
 
 // ---- showing ------------------------------------------------------------------------------------
 
-void DrawFaces() {
+void ShowFaces() {
   faces = {.revLimitRpm = CalValues[4],
            .fahrenheit = ImperialUnits,
            .temperatureUnit = TemperatureUnit(),
            .loadUnit = LoadUnit(),
            .loadMaximum = MapBarMaximum(LoadMode, ImperialUnits, MapBar)};
-  DrawDialFaces(At(Monitor1, "Dials"), faces, colours);
-  DrawBarFaces(At(Monitor1, "Bars"), faces, colours);
+  DrawFaces(At(Monitor1, "Dials"), faces, colours);
 }
 
 InstrumentReadings Readings() {
@@ -292,11 +310,7 @@ InstrumentReadings Readings() {
   return readings;
 }
 
-void ShowInstruments() {
-  const InstrumentReadings readings = Readings();
-  DrawDialNeedles(At(Monitor1, "Dials"), faces, readings, colours);
-  DrawBarLevels(At(Monitor1, "Bars"), faces, readings, colours);
-}
+void ShowInstruments() { DrawReadings(At(Monitor1, "Dials"), faces, Readings(), colours); }
 
 void ShowColumn(const StatusColumn& column, const SensorColumn& content) {
   for (int line = 0; line < column.lines; ++line)
@@ -337,7 +351,7 @@ void ShowAll() {
 void Prepare() {
   for (const LiveFigure& figure : figures) SetCaption(At(Monitor1, figure.control), "");
   BeginOffsets(Monitor1);
-  DrawFaces();
+  ShowFaces();
 }
 
 void ShowLoadedProgram() {
@@ -349,7 +363,7 @@ void ShowLoadedProgram() {
 }
 
 void Opened() {
-  ShowInjectorOffset(Monitor1);
+  ShowOpenedOffsets(Monitor1);
   ShowLoadedProgram();
 }
 
@@ -391,6 +405,7 @@ constexpr LiveMonitor monitor = {
     .refused = [] { ReturnToMainMenu(); },
     .prepare = Prepare,
     .opened = Opened,
+    .reopened = [] { ShowOpenedOffsets(Monitor1); },
     .send = SendCommands,
     .takesFrames = [] { return !FieldEditing; },
     .decoded = Decoded,
@@ -402,7 +417,7 @@ constexpr LiveMonitor monitor = {
 
 void ToggleUnits() {
   ImperialUnits = !ImperialUnits;
-  DrawFaces();
+  ShowFaces();
   ShowLiveNow();
 }
 
@@ -457,7 +472,7 @@ void Unload(Screen&) {
 }
 
 void Resized(Screen&, Control&) {
-  DrawFaces();
+  ShowFaces();
   ShowInstruments();
 }
 

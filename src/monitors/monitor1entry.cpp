@@ -53,7 +53,14 @@ void Mark(Screen& screen, const Control& control, bool marked) {
   Control& label = At(screen, LabelOf(control.name));
   label.bold = marked;
   SetBackColour(label, marked ? White : screen.backColour);
-  SetForeColour(label, marked ? Black : At(screen, statusLabel).foreColour);
+  SetForeColour(label, marked ? Black : At(screen, "EnterLine").foreColour);
+}
+
+void ShowStatus(Screen& screen) {
+  constexpr Colour green = Rgb(30, 150, 60), amber = Rgb(200, 110, 0);
+  Control& status = At(screen, statusLabel);
+  SetCaption(status, FieldEditing ? "SUSPENDED" : "ACTIVE");
+  SetBackColour(status, FieldEditing ? amber : green);
 }
 
 void Select(Control& control) { SelectText(control, 0, static_cast<int>(control.text.size())); }
@@ -79,35 +86,46 @@ void BuildRefusal(Screen& screen) {
                .place = {.align = Align::Centre}});
 }
 
-void Accept(Screen& screen, Control& control, const OffsetField& row, const std::string& text) {
-  row.value = LeadingNumber(text) / row.scale;
+struct Entry {
+  double value;
+  std::string text;
+};
+
+// The number as the mask shows it is what is sent. Only where the end of a range has more digits
+// than the mask, the mask would leave the range: then it stays as it was typed.
+Entry EntryOf(const OffsetField& row, double typed) {
+  const std::string text = *row.mask ? Format(typed, row.mask) : NumberText(typed);
+  const double value = LeadingNumber(text);
+  if (value < row.low || value > row.high) return {typed, NumberText(typed)};
+  return {value, text};
+}
+
+void Accept(Screen& screen, Control& control, const OffsetField& row, const Entry& entry) {
+  row.value = entry.value / row.scale;
   row.pending = 1;
-  SetText(control, text);
-  savedText = text;
+  SetText(control, entry.text);
+  savedText = entry.text;
   SetFocus(At(screen, backButton));
 }
 
+bool RefusedAsFraction(Screen& screen, Control& control, const OffsetField& row) {
+  if (*row.mask || control.text.find('.') == std::string::npos) return false;
+  const unsigned life = screen.life;
+  MsgBox(std::string("  Data Input Error\n\r") + row.wholeText);
+  if (screen.loaded && !screen.closing && screen.life == life) TakeBack(control);
+  return true;
+}
+
+// Enter in a field. An empty one is passed over.
 void TakeEntry(Screen& screen, Control& control, const OffsetField& row) {
-  if (control.text.empty()) return;
-  const bool period = control.text.find('.') != std::string::npos;
-  if (*row.wholeText && period) {
-    MsgBox(std::string("  Data Input Error\n\r") + row.wholeText);
-    if (screen.loaded && !screen.closing) TakeBack(control);
-    return;
-  }
+  if (control.text.empty() || RefusedAsFraction(screen, control, row)) return;
   const double typed = LeadingNumber(control.text);
-  const std::string text = *row.mask ? Format(typed, row.mask) : control.text;
-  // Neither the number as typed nor as the mask shows it may leave the range.
-  const double value = LeadingNumber(text);
-  const bool fits = std::min(typed, value) >= row.low && std::max(typed, value) <= row.high;
-  // The ends of a range may have more digits than the mask.
-  const bool atEnd = typed == row.low || typed == row.high;
-  if (!fits && !atEnd) {
-    TakeBack(control);
-    ShowRefusal(row);
+  if (typed >= row.low && typed <= row.high) {
+    Accept(screen, control, row, EntryOf(row, typed));
     return;
   }
-  Accept(screen, control, row, atEnd ? control.text : text);
+  TakeBack(control);
+  ShowRefusal(row);
 }
 
 // ---- the AFR offset -----------------------------------------------------------------------------
@@ -151,68 +169,94 @@ std::span<const OffsetField> OffsetFields() { return fields; }
 
 namespace {
 
+void SetAdvanceIsZero(Screen& screen, bool zero) {
+  advanceIsZero = zero;
+  SetChecked(At(screen, zero ? zeroOption : clearOption), true);
+}
+
+// A field in which an entry has begun keeps what was typed; leaving it shows the new value.
+void ShowUnlessEdited(Screen& screen, std::string_view field, const std::string& text) {
+  Control& control = At(screen, field);
+  if (FieldEditing && FocusedControl(screen) == &control)
+    savedText = text;
+  else
+    SetText(control, text);
+}
+
 void AddField(Screen& screen, const char* container, int row, const char* control,
-              const char* caption, Colour back, Colour fore) {
+              const char* caption, const MonitorColours& colours) {
   Add(screen, {.name = LabelOf(control),
                .caption = caption,
                .place = {.in = container, .row = row, .column = 0, .align = Align::Fill},
                .labelFor = control,
                .textAlign = Align::Right,
-               .backColour = back,
-               .foreColour = fore});
+               .backColour = colours.back,
+               .foreColour = colours.caption});
   Add(screen, {.name = control,
                .kind = ControlKind::TextField,
                .place = {.in = container, .row = row, .column = 1},
                .widthChars = 8,
-               .textAlign = Align::Right});
+               .textAlign = Align::Right,
+               .backColour = White,
+               .foreColour = Black});
 }
 
 void AddOption(Screen& screen, const char* container, int row, const char* name,
-               const char* caption, Colour back, Colour fore) {
+               const char* caption, const MonitorColours& colours) {
   Add(screen, {.name = name,
                .kind = ControlKind::RadioButton,
                .caption = caption,
                .place = {.in = container, .row = row, .column = 0, .columnSpan = 2},
-               .backColour = back,
-               .foreColour = fore});
+               .foreColour = colours.caption});
 }
 
 }  // namespace
 
-void AddOffsetControls(Screen& screen, const char* container, Colour back, Colour fore) {
-  AddOption(screen, container, 0, zeroOption, "&1. SET ADVANCE TO ZERO", back, fore);
-  AddOption(screen, container, 1, clearOption, "&2. CLEAR ZERO ADVANCE", back, fore);
+void AddOffsetControls(Screen& screen, const char* container, const MonitorColours& colours) {
+  AddOption(screen, container, 0, zeroOption, "&1. SET ADVANCE TO ZERO", colours);
+  AddOption(screen, container, 1, clearOption, "&2. CLEAR ZERO ADVANCE", colours);
   int line = 2;
   for (const OffsetField& row : fields)
-    AddField(screen, container, line++, row.control, row.caption, back, fore);
-  AddField(screen, container, line, afrField, afrCaption, back, fore);
+    AddField(screen, container, line++, row.control, row.caption, colours);
+  AddField(screen, container, line, afrField, afrCaption, colours);
 }
 
 void BeginOffsets(Screen& screen) {
+  SetFocus(At(screen, backButton));
   FieldEditing = false;
-  advanceIsZero = false;
-  for (const OffsetField& row : fields) SetText(At(screen, row.control), "0");
+  SetAdvanceIsZero(screen, false);
+  for (const OffsetField& row : fields) {
+    SetText(At(screen, row.control), "0");
+    Mark(screen, At(screen, row.control), false);
+  }
   SetText(At(screen, afrField), "");
-  SetChecked(At(screen, clearOption), true);
-  SetCaption(At(screen, statusLabel), "ACTIVE");
+  Mark(screen, At(screen, afrField), false);
+  ShowStatus(screen);
+}
+
+void ShowOpenedOffsets(Screen& screen) {
+  SetAdvanceIsZero(screen, false);
+  ShowUnlessEdited(screen, "Text3", NumberText(OnAdvance));
+  ShowUnlessEdited(screen, "Text4", NumberText(RoundEven(LastGama * 100)));
+  ShowUnlessEdited(screen, "Text6", Format(InjectorOffset, "##.000"));
+  ShowUnlessEdited(screen, "Text8", NumberText(OnGpo));
 }
 
 void ShowOffsets(Screen& screen) {
-  if (FieldEditing) return;
+  if (FieldEditing) {
+    const Control* focus = FocusedControl(screen);
+    if (focus && focus->name == afrField) ShowWishedAfr(screen);
+    return;
+  }
   if (!PendTog) SetText(At(screen, "Text5"), Format(Live[LiveField::Tog], "##.00"));
   if (TogChanged == 0 && !PendTpsBlend)
     SetText(At(screen, "Text7"), Format(Live[LiveField::TpsBlend], "#.00"));
   SetText(At(screen, afrField), AfrOffsetText());
 }
 
-void ShowInjectorOffset(Screen& screen) {
-  SetText(At(screen, "Text6"), Format(InjectorOffset, "##.000"));
-}
-
 void OffsetGotFocus(Screen& screen, Control& control) {
-  Control& status = At(screen, statusLabel);
   FieldEditing = IsOffsetField(control);
-  SetCaption(status, FieldEditing ? "SUSPENDED" : "ACTIVE");
+  ShowStatus(screen);
   if (!FieldEditing) return;
   savedText = control.text;
   Mark(screen, control, true);

@@ -5,6 +5,7 @@
 #include <array>
 #include <span>
 
+#include "monitors/livesession.h"
 #include "platform/screen.h"
 
 // A field that takes a number. Values are tested and stored as the mask shows them.
@@ -28,13 +29,15 @@ extern bool FieldEditing;
 extern Screen MonitorInputError;
 
 // Adds captions, fields and the two options to the container of this name.
-void AddOffsetControls(Screen& screen, const char* container, Colour back, Colour fore);
+void AddOffsetControls(Screen& screen, const char* container, const MonitorColours& colours);
 // Start values of a session: nothing is edited, zero advance is cleared.
 void BeginOffsets(Screen& screen);
-// Between entries TOG, TPS blend and AFR offset follow the frame.
+// What the opening commands have left in the control unit: the injector offset that it has told, no
+// advance, the gama that was sent last, no zero advance.
+void ShowOpenedOffsets(Screen& screen);
+// Between entries TOG, TPS blend and AFR offset follow the frame; during an entry of the AFR offset
+// the wished ratio stands.
 void ShowOffsets(Screen& screen);
-// The injector offset that the control unit has told.
-void ShowInjectorOffset(Screen& screen);
 
 // Events of the screen.
 void OffsetGotFocus(Screen& screen, Control& control);
