@@ -237,15 +237,18 @@ void AddFoot(Screen& screen) {
 // A monitor that has to be scrolled shows nothing in time: where the desktop's font is too large
 // for its display, the texts beside the dials become smaller.
 double TextScale() {
-  constexpr double linesHigh = 34, dialsHigh = 200, digitsWide = 68, gapsWide = 110;
-  constexpr double smallest = 0.6;
-  constexpr int narrowestWideDisplay = 1280;
+  constexpr double linesHigh = 26, restHigh = 310, digitsWide = 68, gapsWide = 110;
+  constexpr double smallest = 0.55;
+  Frame* frame = TheFrame();
+  if (!frame) return 1;
+  ReadFramePlace(*frame);
+  if (frame->width <= 0 || frame->height <= 0) return 1;
   const double width = MaximisedFrameWidth();
-  const double height = width * (width < narrowestWideDisplay ? 3.0 / 4 : 9.0 / 16);
+  const double height = width * frame->height / frame->width;
   const TextSize digit = MeasureText("0");
   const double caption = MeasureText("9. CHANGE AFR OFFSET (UP/ DOWN Arrow Keys) =").width;
   const double wide = (width - gapsWide) / (caption + digitsWide * digit.width);
-  const double high = (height - dialsHigh) / (linesHigh * digit.height);
+  const double high = (height - restHigh) / (linesHigh * digit.height);
   return std::clamp(std::min(wide, high), smallest, 1.0);
 }
 
@@ -253,7 +256,7 @@ void Build(Screen& screen) {
   colours = ColoursOfSetting();
   screen.backColour = colours.back;
   AddHead(screen);
-  AddCanvas(screen, "Dials", {.stretch = 1}, 640, 190,
+  AddCanvas(screen, "Dials", {.stretch = 1}, 480, 150,
             "Dials of ERPM, CLT, MAT and TPS, bars of MAP, EGO and injector duty cycle");
   AddBox(screen, "Figures", ControlKind::Grid, {});
   for (std::size_t i = 0; i < figures.size(); ++i)

@@ -68,6 +68,9 @@ void ScriptedUnit::Heard(const std::string& command) {
   switch (command[0]) {
     case 'F':
       return Answer({frame.begin(), frame.end()});
+    case 'B':
+      if (!program.empty()) Answer(Bytes(program));
+      return;
     case 'G':
       return Answer(Bytes("S113B600" + HexText(static_cast<unsigned>(optionFlags), 2) +
                           std::string(30, '0') + "00\r"));
@@ -131,7 +134,7 @@ void LiveTest::AfterFrames(int frames, std::function<void()> routine) {
   plan_.emplace_back(frames, std::move(routine));
 }
 
-void LiveTest::Run() {
+void LiveTest::Run(std::string_view monitor) {
   auto before = unit.onFrame;
   unit.onFrame = [this, before] {
     if (before) before();
@@ -145,7 +148,7 @@ void LiveTest::Run() {
     StopLive();
     if (helpfrm.loaded) UnloadScreen(helpfrm);
   });
-  OpenLive("Monitor3");
+  OpenLive(monitor);
   RunPending();
   *over = true;
   plan_.clear();

@@ -22,6 +22,7 @@ struct ScriptedUnit {
   std::function<void()> onFrame;                       // as "F" is heard, before the answer
   std::function<bool(std::string_view command)> mute;  // no answer to this one
   std::string wrongSecond;                             // commands answered with "A" and "V"
+  std::string program;  // the 19 bytes that answer "B"; silent when empty
   int frames = 0;
   // "RU00 G C R300 R400 R600 R700 RO00", without "F".
   std::vector<std::string> heard;
@@ -42,7 +43,7 @@ class LiveTest : public PlatformTest {
 
   // Opens the monitor as the menus do and returns when its session is over. Without a plan that
   // ends it, it is left after ten minutes and the test has failed.
-  void Run();
+  void Run(std::string_view monitor = "Monitor3");
   // At a time of the session, in one of its yields.
   void AfterFrames(int frames, std::function<void()> routine);
   static std::string Seen(std::string_view control) { return ShownText(Monitor3, control); }
