@@ -36,6 +36,12 @@ start_display() {
   unset WAYLAND_DISPLAY
   openbox >/dev/null 2>&1 &
   pieces+=($!)
+  # A window that is mapped while the window manager takes over the display is lost to both.
+  for try in $(seq 200); do
+    xdotool get_num_desktops >/dev/null 2>&1 && return 0
+    sleep 0.05
+  done
+  die "no window manager"
 }
 
 # wait_for SECONDS WHAT COMMAND...: the command succeeds within the time.
