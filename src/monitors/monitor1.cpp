@@ -239,12 +239,10 @@ void AddFoot(Screen& screen) {
 double TextScale() {
   constexpr double linesHigh = 26, restHigh = 310, digitsWide = 68, gapsWide = 110;
   constexpr double smallest = 0.55;
-  Frame* frame = TheFrame();
-  if (!frame) return 1;
-  ReadFramePlace(*frame);
-  if (frame->width <= 0 || frame->height <= 0) return 1;
+  // Displays of 1024 to 1280 are 4:3; wider ones, and those that a desktop enlarges, 16:9.
+  constexpr double first = 1000, last = 1280;
   const double width = MaximisedFrameWidth();
-  const double height = width * frame->height / frame->width;
+  const double height = width * (width >= first && width < last ? 3.0 / 4 : 9.0 / 16);
   const TextSize digit = MeasureText("0");
   const double caption = MeasureText("9. CHANGE AFR OFFSET (UP/ DOWN Arrow Keys) =").width;
   const double wide = (width - gapsWide) / (caption + digitsWide * digit.width);
