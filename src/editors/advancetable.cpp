@@ -31,11 +31,13 @@ std::string LoadRefusal() {
                      "Bottom to Top");
 }
 
-// A breakpoint stays strictly between its neighbours.
+// A breakpoint stays strictly between its neighbours, as the single that it will be stored as: the
+// double 1500.1 lies beside the stored 1500.1.
 std::optional<std::string> CheckOrder(Editor&, const EditorField& row, double entry) {
   const auto at = static_cast<std::size_t>(row.calIndex);
-  const bool aboveLeft = row.calIndex == firstSpeedValue || entry > CalValues[at - 1];
-  const bool belowRight = row.calIndex == lastSpeedValue || entry < CalValues[at + 1];
+  const auto stored = static_cast<float>(entry);
+  const bool aboveLeft = row.calIndex == firstSpeedValue || stored > CalValues[at - 1];
+  const bool belowRight = row.calIndex == lastSpeedValue || stored < CalValues[at + 1];
   if (aboveLeft && belowRight) return std::nullopt;
   return SpeedRefusal();
 }

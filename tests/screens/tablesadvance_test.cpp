@@ -215,6 +215,22 @@ TEST_F(AdvanceTest, ASpeedEqualToItsNeighbourIsRefused) {
   EXPECT_FALSE(CalChanged);
 }
 
+// As a double 1500.1 lies above, and 1900.4 below, the single that is stored.
+TEST_F(AdvanceTest, ASpeedWithDecimalsEqualToItsNeighbourIsRefused) {
+  CalValues[45] = 1500.1F;
+  CalValues[46] = 1700;
+  CalValues[47] = 1900.4F;
+  Reopen();
+  ASSERT_GT(1500.1, 1500.1F);
+  ASSERT_LT(1900.4, 1900.4F);
+  for (const char* entry : {"1500.1", "1900.4"}) {
+    EnterCell(2, entry);
+    EXPECT_EQ(AxisMessage(), speedMessage) << entry;
+  }
+  EXPECT_EQ(CalValues[46], 1700);
+  EXPECT_FALSE(CalChanged);
+}
+
 TEST_F(AdvanceTest, ASpeedThatCrossesItsNeighbourIsRefused) {
   for (const char* entry : {"499", "1501", "6000", "0"}) {
     EnterCell(2, entry);
