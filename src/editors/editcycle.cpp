@@ -142,10 +142,14 @@ std::optional<std::string> Objection(Editor& editor, const EditorField& row, dou
 // The image takes the bytes at once; CalValues follow when the control unit has accepted them.
 void Post(const EditorField& row, double stored) {
   std::array<int, 2> bytes{};
-  if (row.encode)
+  if (row.encode) {
     bytes[0] = row.encode(stored);
-  else if (const auto encoded = EncodeParameter(row.calIndex, static_cast<float>(stored)))
+  } else {
+    // A byte that nothing has encoded must not reach the engine.
+    const auto encoded = EncodeParameter(row.calIndex, static_cast<float>(stored));
+    if (!encoded) RaiseFailure(FailureSubscript);
     bytes = encoded->bytes;
+  }
   for (std::size_t i = 0; i < static_cast<std::size_t>(row.byteCount); ++i)
     BinImage[static_cast<std::size_t>(row.imageByte) + i] = static_cast<std::int16_t>(bytes[i]);
   PostWrite(row.calIndex, stored, row.imageByte, row.byteCount);

@@ -223,6 +223,20 @@ TEST_F(EditCycleTest, PostedValueIsTheOneThatCalValuesWouldHaveTaken) {
   EXPECT_EQ(BinImage[418], 95);  // (45 - 10) * 2.7128
 }
 
+TEST_F(EditCycleTest, ByteThatTheEncoderDoesNotKnowIsNeverPosted) {
+  EditorField& field = Edited().fields[4];
+  ASSERT_EQ(field.control, "Onfly");
+  field.calIndex = 415;  // the curve of the ego sensor is encoded as a whole
+  MonitorMode = 3;
+  BinImage[21] = 77;
+  Enter("Onfly", "50");
+  field.calIndex = 37;
+  EXPECT_EQ(TakeBox().text.substr(0, 9), "Error # 9");
+  EXPECT_EQ(BinImage[21], 77);
+  EXPECT_EQ(OnflyByteCount, 0);
+  EXPECT_FALSE(CalChanged);
+}
+
 TEST_F(EditCycleTest, EntryWithoutAnOnflyPathIsStoredInASessionToo) {
   MonitorMode = 3;
   Enter("Plain", "60");
