@@ -123,7 +123,8 @@ void Fill(TableEditor& table, KeyEvent& event, FillKind kind) {
 
 void TableKeys(Editor& editor, KeyEvent& event) {
   TableEditor& table = TableOf(editor);
-  if (event.ctrl) return;
+  // With Alt the other keys belong to the desktop, which closes a window by Alt+F4.
+  if (event.ctrl || (event.alt && event.key != 'S')) return;
   switch (event.key) {
     case KeyLeft:
       return MoveBy(table, event, Arrow::Left);
@@ -174,9 +175,11 @@ void OpenGraph(Editor& editor, const EditorButton&) {
 
 // ---- hooks of the cycle -------------------------------------------------------------------------
 
+// Other screens change what the views are reckoned from, such as the rev limit and the sensor.
 void Build(Editor& editor) {
   TableEditor& table = TableOf(editor);
   SelectedCell = 1;
+  PublishCalGlobals();
   if (table.rules.opening) table.rules.opening(table);
   BuildTable(editor);
 }

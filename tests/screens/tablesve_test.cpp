@@ -429,6 +429,30 @@ TEST_F(VeTableTest, F1OpensTheTopicOfTheTable) {
   EXPECT_EQ(topic, "frmVETable.Table_VE");
 }
 
+TEST_F(VeTableTest, TheKeyThatClosesAWindowAsksNothing) {
+  Select(20);
+  for (const char* key : {"Alt+F3", "Alt+F4", "Alt+F2", "Alt+F5", "Alt+Up"}) PressKey(key);
+  EXPECT_FALSE(AnyBoxShown());
+  EXPECT_EQ(GamaOffset, 0);
+  EXPECT_EQ(VeView, 0);
+  EXPECT_EQ(Focused(), At(20));
+}
+
+// ---- what other screens have changed ------------------------------------------------------------
+
+TEST_F(VeTableTest, OpensOnTheRevLimitTheSensorAndTheInjectorsAsTheyAreNow) {
+  MapBar = 2;
+  CalValues[2] = 0.5F;
+  CalValues[4] = 7100;
+  CalValues[232] = 12;
+  VeView = 1;
+  Reopen();
+  EXPECT_EQ(RpmAxis[12], 7100);
+  EXPECT_EQ(LoadAxis[1], 20);
+  EXPECT_EQ(LoadAxis[10], 208);
+  EXPECT_EQ(CellText(64), "15.67");  // 0.5 + 1.32 * 12 * 180 / 188
+}
+
 // ---- what a file can hold -----------------------------------------------------------------------
 
 TEST_F(VeTableTest, ASensorWithoutARangeShowsTheOffset) {
