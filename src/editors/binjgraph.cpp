@@ -48,102 +48,123 @@ void OffsetAccepted(Editor&, const EditorField&, double stored) {
   PendInj = 1;
 }
 
+EditorField TogField() {
+  return {.number = 1,
+          .control = "Text1",
+          .label = "Label1",
+          .caption = "Time &On for One Gama (TOG) =",
+          .unit = "ms",
+          .calIndex = 232,
+          .mask = "##.000",
+          .low = 3,
+          .high = 30,
+          .rangeText = "    (3 to 30ms)",
+          .afterRefusal = AfterRefusal::HoldFocus,
+          .accepted = [](Editor&, const EditorField&, double stored) {
+            WorkTog = static_cast<float>(stored);
+          }};
+}
+
+EditorField OffsetField() {
+  return {.number = 2,
+          .control = "Text2",
+          .label = "Label2",
+          .caption = "&Injector Offset Time (IOT) =",
+          .unit = "ms",
+          .calIndex = injectorOffset,
+          .mask = "##.000",
+          .takesMinus = true,
+          .low = -15.875,
+          .high = 15.875,
+          .refusal =
+              "                    Data Input Error\n\r\n\r"
+              "                (-15.875 to 15.875ms)\n\r"
+              "System will round to + or -.125ms Increments",
+          .asTyped = true,
+          .afterRefusal = AfterRefusal::HoldFocus,
+          .toStored = ToEighths,
+          .imageByte = 2,
+          .encode = OffsetByte,
+          .store = [](Editor&, const EditorField&, double stored) { StoreOffset(stored); },
+          .accepted = OffsetAccepted,
+          .leaving =
+              [](Editor& editor, const EditorField&) {
+                WorkIot = CalValues[injectorOffset];
+                Redraw(editor);
+              }};
+}
+
+EditorField RevLimitField() {
+  return {.number = 7,
+          .control = "Text7",
+          .label = "Label7",
+          .caption = "Primary &Rev Limiter = ",
+          .unit = "RPM",
+          .calIndex = 4,
+          .mask = "####0",
+          .low = 1000,
+          .high = 12000,
+          .rangeText = "  (1000 to 12000 RPM)",
+          .afterRefusal = AfterRefusal::MessageOnly,
+          .accepted = [](Editor&, const EditorField&, double stored) {
+            WorkRevLimit = static_cast<float>(stored);
+          }};
+}
+
+EditorField ManifoldPressureField() {
+  return {.number = 8,
+          .control = "Text8",
+          .label = "Label8",
+          .caption = "Max Manifold &Pressure (kPa) =",
+          .unit = "kPa",
+          .mask = "##0",
+          .low = LowKpa,
+          .high = HighKpa,
+          .rangeText = PressureRange,
+          .afterRefusal = AfterRefusal::MessageOnly,
+          .show = [](const EditorField&) { return NumberText(MaxManifoldKpa); },
+          .store = [](Editor&, const EditorField&,
+                      double stored) { MaxManifoldKpa = static_cast<float>(stored); }};
+}
+
+EditorField MinimumTurnOnField() {
+  return {.number = 11,
+          .control = "Text11",
+          .label = "Label11",
+          .caption = "&Minimum Injector Turn-on Time =",
+          .unit = "ms",
+          .calIndex = minimumTurnOn,
+          .mask = "##.00000",
+          .low = 0,
+          .high = 8,
+          .rangeText = "    (0 to 8ms)",
+          .afterRefusal = AfterRefusal::MessageOnly,
+          .imageByte = 323,
+          .leaving = [](Editor& editor, const EditorField&) {
+            MinTurnOnMs = CalValues[minimumTurnOn];
+            Redraw(editor);
+          }};
+}
+
+EditorField CylindersField() {
+  return {.number = 12,
+          .control = "Text12",
+          .label = "Label12",
+          .caption = "&Number of Cylinders (1 to 12) =",
+          .calIndex = 217,
+          .mask = "#0",
+          .low = 1,
+          .high = 12,
+          .rangeText = "  (1 to 12 Cylinders)",
+          .afterRefusal = AfterRefusal::GotFocusAgain,
+          .accepted = [](Editor&, const EditorField&, double stored) {
+            WorkCylinders = static_cast<float>(stored);
+          }};
+}
+
 std::vector<EditorField> Fields() {
-  return {
-      {.number = 1,
-       .control = "Text1",
-       .label = "Label1",
-       .caption = "Time &On for One Gama (TOG) =",
-       .unit = "ms",
-       .calIndex = 232,
-       .mask = "##.000",
-       .low = 3,
-       .high = 30,
-       .rangeText = "    (3 to 30ms)",
-       .afterRefusal = AfterRefusal::HoldFocus,
-       .accepted = [](Editor&, const EditorField&,
-                      double stored) { WorkTog = static_cast<float>(stored); }},
-      {.number = 2,
-       .control = "Text2",
-       .label = "Label2",
-       .caption = "&Injector Offset Time (IOT) =",
-       .unit = "ms",
-       .calIndex = injectorOffset,
-       .mask = "##.000",
-       .takesMinus = true,
-       .low = -15.875,
-       .high = 15.875,
-       .refusal = "                    Data Input Error\n\r\n\r"
-                  "                (-15.875 to 15.875ms)\n\r"
-                  "System will round to + or -.125ms Increments",
-       .asTyped = true,
-       .afterRefusal = AfterRefusal::HoldFocus,
-       .toStored = ToEighths,
-       .imageByte = 2,
-       .encode = OffsetByte,
-       .store = [](Editor&, const EditorField&, double stored) { StoreOffset(stored); },
-       .accepted = OffsetAccepted,
-       .leaving =
-           [](Editor& editor, const EditorField&) {
-             WorkIot = CalValues[injectorOffset];
-             Redraw(editor);
-           }},
-      {.number = 7,
-       .control = "Text7",
-       .label = "Label7",
-       .caption = "Primary &Rev Limiter = ",
-       .unit = "RPM",
-       .calIndex = 4,
-       .mask = "####0",
-       .low = 1000,
-       .high = 12000,
-       .rangeText = "  (1000 to 12000 RPM)",
-       .afterRefusal = AfterRefusal::MessageOnly,
-       .accepted = [](Editor&, const EditorField&,
-                      double stored) { WorkRevLimit = static_cast<float>(stored); }},
-      {.number = 8,
-       .control = "Text8",
-       .label = "Label8",
-       .caption = "Max Manifold &Pressure (kPa) =",
-       .unit = "kPa",
-       .mask = "##0",
-       .low = LowKpa,
-       .high = HighKpa,
-       .rangeText = PressureRange,
-       .afterRefusal = AfterRefusal::MessageOnly,
-       .show = [](const EditorField&) { return NumberText(MaxManifoldKpa); },
-       .store = [](Editor&, const EditorField&,
-                   double stored) { MaxManifoldKpa = static_cast<float>(stored); }},
-      {.number = 11,
-       .control = "Text11",
-       .label = "Label11",
-       .caption = "&Minimum Injector Turn-on Time =",
-       .unit = "ms",
-       .calIndex = minimumTurnOn,
-       .mask = "##.00000",
-       .low = 0,
-       .high = 8,
-       .rangeText = "    (0 to 8ms)",
-       .afterRefusal = AfterRefusal::MessageOnly,
-       .imageByte = 323,
-       .leaving =
-           [](Editor& editor, const EditorField&) {
-             MinTurnOnMs = CalValues[minimumTurnOn];
-             Redraw(editor);
-           }},
-      {.number = 12,
-       .control = "Text12",
-       .label = "Label12",
-       .caption = "&Number of Cylinders (1 to 12) =",
-       .calIndex = 217,
-       .mask = "#0",
-       .low = 1,
-       .high = 12,
-       .rangeText = "  (1 to 12 Cylinders)",
-       .afterRefusal = AfterRefusal::GotFocusAgain,
-       .accepted = [](Editor&, const EditorField&,
-                      double stored) { WorkCylinders = static_cast<float>(stored); }},
-  };
+  return {TogField(),           OffsetField(),   RevLimitField(), ManifoldPressureField(),
+          MinimumTurnOnField(), CylindersField()};
 }
 
 std::vector<EditorValue> Values() {
