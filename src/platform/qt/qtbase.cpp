@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/qt/qtscreen.h"
+
 namespace {
 
 constexpr double TwipsPerPixel = 1440.0 / 96.0;
@@ -51,5 +53,7 @@ int PixelsOfTwips(double twips) { return static_cast<int>(std::lround(twips / Tw
 double TwipsOfPixels(int pixels) { return pixels * TwipsPerPixel; }
 
 NativeFrame::NativeFrame() { ++nativeFrames; }
-NativeFrame::~NativeFrame() { --nativeFrames; }
+NativeFrame::~NativeFrame() {
+  if (--nativeFrames == 0) ReleaseSoon();
+}
 bool NativeFramesOnStack() { return nativeFrames > 0; }

@@ -95,12 +95,15 @@ void PlaceFrame(const Frame& frame) {
 void GrowFor(const QWidget& page) {
   MainWindow& window = Window();
   if (window.isMaximized() || window.isMinimized() || window.isFullScreen()) return;
+  window.statusBar()->layout()->activate();
   window.layout()->activate();
   QSize around = window.size() - window.stack->size();
   QRect desktop = Desktop();
   QSize most = desktop.size() - Borders(window);
   QSize needs = page.sizeHint() + around;
-  needs.setWidth(std::max(needs.width(), window.menuBar()->sizeHint().width()));
+  for (QWidget* bar :
+       {static_cast<QWidget*>(window.menuBar()), static_cast<QWidget*>(window.statusBar())})
+    needs.setWidth(std::max(needs.width(), bar->sizeHint().width()));
   QSize size = needs.boundedTo(most).expandedTo(window.size());
   if (size == window.size()) return;
   QPoint corner = window.pos();
@@ -120,14 +123,17 @@ void ShowStatus(const Frame& frame) {
     window.statusBar()->addWidget(panel);
   }
   QFont font = FontOfSize(frame.statusPointSize, false);
+  bool grows = false;
   for (std::size_t i = 0; i < window.panels.size(); ++i) {
     Caption& panel = *window.panels[i];
+    grows |= panel.font() != font;
     if (panel.font() != font) panel.setFont(font);
     bool used = i < frame.statusPanels.size();
     // An ampersand of a panel is no mark.
     if (used) panel.SetCaption(ToQt(frame.statusPanels[i]).replace("&", "&&"));
     panel.setVisible(used);
   }
+  if (grows && window.isVisible()) GrowFor(*window.stack->currentWidget());
 }
 
 }  // namespace

@@ -95,6 +95,8 @@ std::optional<Receiver> ReceiverOf(QObject* watched) {
   QWidget* focus = window->focusWidget();
   if (focus ? focus != widget : window != widget) return std::nullopt;
   if (qobject_cast<QMenuBar*>(widget) || qobject_cast<QMenu*>(widget)) return std::nullopt;
+  // An open list closes before the key that closes it has been delivered.
+  if (window->windowType() == Qt::Popup) return std::nullopt;
   if (window != FrameWindow() && !ScreenOfWidget(widget)) return std::nullopt;
   Screen* dialog = OpenDialogScreen();
   return Receiver{dialog ? dialog : ActiveScreen(), widget};

@@ -175,7 +175,7 @@ void ScheduleTurn() {
 
 QueueHold::QueueHold() { ++Loop().holds; }
 QueueHold::~QueueHold() {
-  if (--Loop().holds == 0 && Loop().routinesWait) ScheduleTurn();
+  if (--Loop().holds == 0) ScheduleTurn();
 }
 
 bool TurnWaits() { return Loop().turnWaits; }

@@ -361,6 +361,10 @@ void ReleaseScreens() {
     delete (released->window ? released->window : released->page);
 }
 
+void ReleaseSoon() {
+  if (!releasedScreens.empty()) ScheduleTurn();
+}
+
 void NativeScreenChanged(Screen& screen) {
   QtScreen* native = NativeOf(screen);
   if (!native) return;

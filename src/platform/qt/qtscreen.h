@@ -33,6 +33,7 @@ QtScreen* ScreenOfWidget(const QWidget* widget);
 void FocusByRecord(Screen& screen);
 // Deletes released screens, unless a native routine of one may be on the stack.
 void ReleaseScreens();
+void ReleaseSoon();  // in the next turn, if there are any
 // A window of ours got the keys: whether that is the one that was asked for last.
 bool ActivationCounts(const QWidget& window);
 void WishActivation(QWidget& window);
