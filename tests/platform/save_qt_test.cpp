@@ -1,0 +1,155 @@
+// Saves on a real disk: full, linked, forbidden, killed.
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "platform/failure.h"
+#include "platform/files.h"
+#include "support/qt/otheruser.h"
+#include "support/testfolder.h"
+#include "support/user.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
+
+class SaveQtTest : public PlatformTest {
+ protected:
+  void SetUp() override {
+    PlatformTest::SetUp();
+    folder = TestFolder();
+    file = folder + "/Engine.bin";
+  }
+  static std::string TextOf(const std::string& name) {
+    std::ostringstream text;
+    text << std::ifstream(name, std::ios::binary).rdbuf();
+    return text.str();
+  }
+  // Number of the failure, 0 when there is none.
+  template <typename Routine>
+  static int FailureOf(Routine routine) {
+    try {
+      routine();
+    } catch (const Failure& failure) {
+      return failure.number;
+    }
+    return 0;
+  }
+  std::size_t FilesInFolder() const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+  }
+
+  std::string folder;
+  std::string file;
+};
+
+TEST_F(SaveQtTest, FullDeviceIsToldBySaveFlushAndClose) {
+  EXPECT_EQ(FailureOf([] { SaveWholeFile("/dev/full", Bytes{1, 2, 3}); }), FailureDiskFull);
+  FileHandle open = OpenFile("/dev/full", FileMode::Write);
+  WriteText(open, "abc");
+  EXPECT_EQ(FailureOf([&] { FlushFile(open); }), FailureDiskFull);
+  CloseAllFiles();
+  open = OpenFile("/dev/full", FileMode::Write);
+  WriteText(open, "abc");
+  EXPECT_EQ(FailureOf([&] { CloseFile(open); }), FailureDiskFull);
+}
+
+// A limit on the size of files fails the write where a full disk would.
+TEST_F(SaveQtTest, SaveThatDoesNotFitLeavesTheOldFileAndNothingElse) {
+  MakeFile(file, "old");
+  pid_t child = ::fork();
+  if (child == 0) {
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{.rlim_cur = 1000, .rlim_max = 1000};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    ::_exit(FailureOf([&] { SaveWholeFile(file, Bytes(2048, 7)); }));
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(WEXITSTATUS(status), FailureDiskFull);
+  EXPECT_EQ(TextOf(file), "old");
+  EXPECT_EQ(FilesInFolder(), 1u);
+}
+
+TEST_F(SaveQtTest, KilledSaveLeavesTheOldFileAndTheNextOneCleansUp) {
+  MakeFile(file, "old");
+  pid_t child = ::fork();
+  if (child == 0) {
+    rlimit limit{.rlim_cur = 1000, .rlim_max = 1000};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    ::setrlimit(RLIMIT_CORE, &limit);
+    ::signal(SIGXFSZ, SIG_DFL);
+    SaveWholeFile(file, Bytes(2048, 7));
+    ::_exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status)) << "killed in the middle of the write";
+  EXPECT_EQ(TextOf(file), "old");
+  EXPECT_EQ(FilesInFolder(), 2u);
+  EXPECT_EQ(ListFiles(folder, "*"), std::vector<std::string>{"Engine.bin"});
+  SaveWholeFile(file, Bytes{'n', 'e', 'w'});
+  EXPECT_EQ(TextOf(file), "new");
+  EXPECT_EQ(FilesInFolder(), 1u);
+}
+
+TEST_F(SaveQtTest, PermissionsStay) {
+  MakeFile(file, "old");
+  ::chmod(file.c_str(), 0640);
+  SaveWholeFile(file, Bytes{1});
+  struct stat status {};
+  ASSERT_EQ(::stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640u);
+}
+
+TEST_F(SaveQtTest, LinkOfALinkIsFollowedAlsoWhereNothingIsYet) {
+  fs::create_directory(folder + "/there");
+  fs::create_symlink("there/target.bin", folder + "/first");
+  fs::create_symlink(folder + "/first", folder + "/second");
+  SaveWholeFile(folder + "/second", Bytes{'x'});
+  EXPECT_TRUE(fs::is_symlink(folder + "/second"));
+  EXPECT_TRUE(fs::is_symlink(folder + "/first"));
+  EXPECT_EQ(TextOf(folder + "/there/target.bin"), "x");
+  EXPECT_FALSE(fs::is_symlink(folder + "/there/target.bin"));
+}
+
+TEST_F(SaveQtTest, FileThatIsReplacedWhileItIsOpenIsReadAsItWas) {
+  MakeFile(file, "old");
+  FileHandle open = OpenFile(file, FileMode::Read);
+  SaveWholeFile(file, Bytes{'n', 'e', 'w'});
+  EXPECT_EQ(ReadLine(open), "old");
+  CloseFile(open);
+}
+
+TEST_F(SaveQtTest, NamesThatAreNotAsciiWork) {
+  std::string name = folder + "/M\u00fcller \u00b0.bin";
+  SaveWholeFile(name, Bytes{'x'});
+  EXPECT_EQ(ListFiles(folder, "*.BIN"), std::vector<std::string>{"M\u00fcller \u00b0.bin"});
+  EXPECT_EQ(ReadWholeFile(name), Bytes{'x'});
+}
+
+TEST_F(SaveQtTest, FolderThatMayNotBeWrittenIsNoPermission) {
+  ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
+  auto save = [&] { return std::to_string(FailureOf([&] { SaveWholeFile(file, Bytes{1}); })); };
+  EXPECT_EQ(AsOrdinaryUser(save), std::to_string(FailurePermissionDenied));
+  ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
+}
+
+TEST_F(SaveQtTest, FileOfSomebodyElseIsNotReplaced) {
+  MakeFile(file, "theirs");
+  ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+  ASSERT_EQ(::chmod(folder.c_str(), 0777), 0);
+  auto save = [&] { return std::to_string(FailureOf([&] { SaveWholeFile(file, Bytes{1}); })); };
+  EXPECT_EQ(AsOrdinaryUser(save), std::to_string(FailurePermissionDenied));
+  EXPECT_EQ(TextOf(file), "theirs");
+}
+
+}  // namespace

@@ -1,0 +1,9 @@
+// A routine as a user without special rights would run it: root is refused nothing.
+#pragma once
+
+#include <functional>
+#include <string>
+
+// Runs the routine in a process of its own, as nobody when the tests run as root, and gives what it
+// returned.
+std::string AsOrdinaryUser(const std::function<std::string()>& routine);
