@@ -10,6 +10,7 @@
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QTimer>
 #include <QTreeView>
 #include <algorithm>
 #include <vector>
@@ -133,6 +134,19 @@ void ShowWholeDates(QFileDialog& box) {
   files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
+// Enter takes the name that is typed. The list of completions swallows it on its way to the button,
+// and the button is off while the folder is still being read.
+void AcceptAtEnter(QFileDialog& box) {
+  auto* name = box.findChild<QLineEdit*>("fileNameEdit");
+  if (!name) return;
+  QObject::connect(name, &QLineEdit::returnPressed, &box, [&box, name] {
+    if (name->text().isEmpty()) return;
+    QTimer::singleShot(0, &box, [&box] {
+      if (box.isVisible()) static_cast<QDialog&>(box).accept();
+    });
+  });
+}
+
 void RunFileDialog(FileDialog& dialog, QFileDialog::AcceptMode mode) {
   QString folder = !dialog.folder.empty() ? ToQt(dialog.folder)
                    : lastFolder.isEmpty() ? QDir::currentPath()
@@ -149,6 +163,7 @@ void RunFileDialog(FileDialog& dialog, QFileDialog::AcceptMode mode) {
   SetTitle(box, dialog.title);
   box.setProperty("filter", ToQt(dialog.filter));
   ShowWholeDates(box);
+  AcceptAtEnter(box);
   bool chosen = RunBox(box) == QDialog::Accepted && !box.selectedFiles().isEmpty();
   if (!chosen) RaiseFailure(FailureCancel);
   QString path = box.selectedFiles().front();
