@@ -165,9 +165,13 @@ Ending Program() {
 
 // ---- how it ends --------------------------------------------------------------------------------
 
+// A call from the editors takes the screen away at once, and the live session that follows must not
+// hide that the unit has no complete calibration.
 void ShowEnd(Ending ending) {
   ShowResult(ending == Ending::Verified);
   if (KillFirst) {
+    if (ending == Ending::ChecksumError)
+      ShowLinkStatus("CHECKSUM ERROR, the ZEM is not programmed");
     CloseS19();
     KillFirst = false;
   } else {

@@ -239,6 +239,21 @@ TEST_F(ProgramTest, ResultWithKillFirstHasNoHintAndClosesTheFile) {
   UnloadScreen(Program_ZEM);
 }
 
+// The screen is gone by then.
+TEST_F(ProgramTest, ChecksumErrorWithKillFirstStaysInTheStatusLine) {
+  Frame frame{.statusPanels = {"", "1"}};
+  ShowFrame(frame);
+  KillFirst = true;
+  OpenProgram_ZEM();
+  EXPECT_EQ(frame.statusPanels[0], "") << "verified";
+  device->Fail("refuse:7:5");
+  KillFirst = true;
+  OpenProgram_ZEM();
+  EXPECT_FALSE(Program_ZEM.loaded);
+  EXPECT_EQ(frame.statusPanels[0], "Status: CHECKSUM ERROR, the ZEM is not programmed");
+  CloseFrame(frame);
+}
+
 TEST_F(ProgramTest, KillFirstLeavesNothingHoweverItEnds) {
   const std::function<void()> ways[] = {
       [&] { device->Fail("silent@E"); },
