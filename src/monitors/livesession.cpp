@@ -89,10 +89,16 @@ enum class Step { Go, Stop, Failed };
 // next frame, and shift every frame after it.
 void DropLateBytes() { MSComm1.unread.clear(); }
 
+// A kill that waits behind a command goes out before the session is given up. None is left for a
+// later session, whose engine the user wants to run.
+void SendKillAskedFor() {
+  if (std::exchange(run.killAsked, false)) KillEngine();
+}
+
 AfterCommands SendCommands() {
   run.commandRuns = true;
   DropLateBytes();
-  if (std::exchange(run.killAsked, false)) KillEngine();
+  SendKillAskedFor();
   const AfterCommands after = run.monitor->send();
   run.commandRuns = false;
   return after;
@@ -223,6 +229,7 @@ void WaitForQuietLine() {
 void ReleaseLine() {
   WaitForQuietLine();
   DropLateBytes();
+  SendKillAskedFor();
   GiveBackLoopControl();
   MSComm1.Close();
 }

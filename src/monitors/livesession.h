@@ -63,7 +63,8 @@ void StopLive();
 void LiveScreenUnloaded();
 // Key C: changes ClosedLoop at once; the command goes out with the next pass.
 void ToggleLoopControl();
-// Key K: "K" goes out at once, or behind the command whose answer is awaited.
+// Key K: "K" goes out at once, or behind the command whose answer is awaited; when the session is
+// given up before that, just before the port is released.
 void AskToKillEngine();
 // Shows Live without a new frame: keys T and F. Nothing happens before the first frame.
 void ShowLiveNow();

@@ -319,6 +319,41 @@ TEST_F(Monitor3Test, KDuringACommandGoesOutBehindIt) {
   Run();
 }
 
+TEST_F(Monitor3Test, KDuringACommandIsSentOnLeavingWhenItsAnswerNeverComes) {
+  unit.mute = [](std::string_view command) { return command == "R311"; };
+  AfterFrames(4, [this] {
+    unit.TakeHeard();
+    PendAdv = 1;
+    OnAdvance = 4;
+    AfterMs(100, [] { TypeText("k"); });
+    AfterMs(150, [this] {
+      EXPECT_EQ(unit.TakeHeard(), "R311");
+      PressKey("Esc");
+    });
+  });
+  Run();
+  EXPECT_EQ(unit.TakeHeard(), "K");
+  ExpectReleased();
+}
+
+// The engine that runs when the session is taken up again is not the one that was to be killed.
+TEST_F(Monitor3Test, KThatCouldNotBeSentBeforeTheCableWasPulledIsForgotten) {
+  bool pulled = false;
+  unit.mute = [&](std::string_view command) { return command == "R700" && !pulled; };
+  AfterMs(300, [] { AskToKillEngine(); });
+  AfterMs(350, [&] { DeviceNamed("COM1")->gone = pulled = true; });
+  const int timer = StartTimer(500, [] {
+    if (!helpfrm.visible) return;
+    DeviceNamed("COM1")->gone = false;
+    ClickOn(helpfrm, "Command1");
+  });
+  AfterFrames(9, [] { PressKey("Esc"); });
+  Run();
+  StopTimer(timer);
+  EXPECT_EQ(unit.TakeHeard(), "RU00 G C R300 R400 R600 R700 " + opening);
+  ExpectReleased();
+}
+
 TEST_F(Monitor3Test, F1OpensThePanelOfTheKeysAndBackClosesIt) {
   RunUntilShown([] {
     PressKey("F1");
