@@ -32,6 +32,7 @@ struct LiveRun {
   bool frameHeld = false;  // decoded, not shown yet
   bool shownOpen = false;  // the figures show open loop
   std::int64_t shownUs = 0;
+  std::int64_t quietUs = 0;  // the line was seen quiet
   PairMean speeds;
   FramePair pair;
 };
@@ -114,6 +115,33 @@ void RequestFrame() {
   ShowHeldFrame();
 }
 
+// An answer that is still on its way would stand in front of the answer to the next command, also
+// that of whoever opens the port next. Waits until the line is quiet again.
+void WaitForQuietLine() {
+  constexpr std::int64_t quietUs = 5'000;
+  constexpr std::int64_t longestUs = 60'000;  // the longest answer, and the unit's own time
+  const std::int64_t begunUs = MonotonicMicroseconds();
+  std::int64_t lastByteUs = begunUs;
+  std::size_t heard = MSComm1.heard.size();
+  while (!LinkLost() && MonotonicMicroseconds() - begunUs < longestUs) {
+    if (heard > 0 && MonotonicMicroseconds() - lastByteUs >= quietUs) return;
+    Yield();
+    if (MSComm1.heard.size() == heard) continue;
+    heard = MSComm1.heard.size();
+    lastByteUs = MonotonicMicroseconds();
+  }
+}
+
+// A byte too many in one answer is on its way while the next frame is asked for already, and takes
+// the first place in every frame after it. A pause that is too short to be seen ends that.
+void KeepFramesInPlace() {
+  constexpr std::int64_t everyUs = 2'000'000;
+  const std::int64_t now = MonotonicMicroseconds();
+  if (now - run.quietUs < everyUs || MSComm1.heard.empty()) return;
+  run.quietUs = now;
+  WaitForQuietLine();
+}
+
 Step ReceiveFrame() {
   for (;;) {
     RequestFrame();
@@ -144,6 +172,8 @@ Step RunPass() {
   if (SendCommands() == AfterCommands::BeginPassAgain) return LinkLost() ? Step::Failed : Step::Go;
   if (Stopped()) return Step::Stop;
   if (CommError != 0 || LinkLost()) return Step::Failed;
+  KeepFramesInPlace();
+  if (Stopped()) return Step::Stop;
   Step step = ReceiveFrame();
   while (step == Step::Go && !TakesFrames()) step = ReceiveFrame();
   if (step == Step::Go) TakeFrame();
@@ -163,6 +193,7 @@ void BeginSession() {
   run.session = {};
   run.timeOuts = 0;
   run.framesTaken = 0;
+  run.quietUs = MonotonicMicroseconds();
   run.frameHeld = false;
   run.speeds = {};
   run.pair = {};
@@ -206,23 +237,6 @@ void GiveBackLoopControl() {
   PendEgo = 0;
   run.shownOpen = false;
   if (forced && MSComm1.PortOpen && !MSComm1.gone) togego();
-}
-
-// An answer that is still on its way when the port closes would reach whoever opens it next, and
-// stand in front of the answer to his first command. Waits until the line is quiet again.
-void WaitForQuietLine() {
-  constexpr std::int64_t quietUs = 5'000;
-  constexpr std::int64_t longestUs = 60'000;  // the longest answer, and the unit's own time
-  const std::int64_t begunUs = MonotonicMicroseconds();
-  std::int64_t lastByteUs = begunUs;
-  std::size_t heard = MSComm1.heard.size();
-  while (!LinkLost() && MonotonicMicroseconds() - begunUs < longestUs) {
-    if (heard > 0 && MonotonicMicroseconds() - lastByteUs >= quietUs) return;
-    Yield();
-    if (MSComm1.heard.size() == heard) continue;
-    heard = MSComm1.heard.size();
-    lastByteUs = MonotonicMicroseconds();
-  }
 }
 
 // Nothing of the session is on the line any more when the port closes.

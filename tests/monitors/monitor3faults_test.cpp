@@ -148,6 +148,19 @@ TEST_F(FaultyUnit, LateFramesAreFollowedByWholeOnes) {
   EXPECT_EQ(failures, 0);
 }
 
+TEST_F(FaultyUnit, BytesTooManyDoNotShiftTheFramesForMoreThanTwoSeconds) {
+  for (const char* fault : {"garbage:3:1@F", "long:1:1@F"}) {
+    AfterMs(900, [&] { device->Fail(fault); });
+    AfterMs(3200, [&] {
+      EXPECT_EQ(Live.frame[16] & 127, 127) << fault;
+      EXPECT_NEAR(Live[LiveField::Bat], device->zem.Motor().BatteryVolts(), 0.5) << fault;
+      StopLive();
+    });
+    RunAttended([](int) { return CancelSession; });
+    EXPECT_EQ(failures, 0) << fault;
+  }
+}
+
 TEST_F(FaultyUnit, PulledCableIsToldAndRetryCarriesOnOnceItIsBack) {
   AfterMs(900, [&] { device->Unplug(); });
   AfterMs(1500, [&] { device->Replug(); });
