@@ -61,8 +61,10 @@ TEST_F(SessionTest, OldPromEndsItWithoutASecondTry) {
 
 TEST_F(SessionTest, SilentUnitIsTriedTenTimes) {
   device->Fail("silent");
+  const std::int64_t before = PassCount();
   EXPECT_EQ(OpenOnflySession(session), SessionEnd::Failed);
   EXPECT_EQ(session.tries, 10);
+  EXPECT_EQ(PassCount() - before, 10 * 32720);
   std::string expected;
   for (int i = 0; i < 10; ++i) expected += std::string("RU\0", 3);
   EXPECT_EQ(Sent(), expected);
