@@ -1,4 +1,5 @@
 // How screens are laid out on the desktop: nothing is cut, nothing jumps, all of it can be reached.
+#include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -211,6 +212,16 @@ TEST_F(LayoutQtTest, ControlsCarryTheirNameAndAnAccessibleName) {
   EXPECT_EQ(Widget("Text1").accessibleName(), "Minimum Injector Turn-on Time =");
   EXPECT_EQ(Widget("Command1").accessibleName(), "TPS Parameters");
   EXPECT_EQ(Widget("Option1").accessibleName(), "Normal Contrast Monitor Screen (Blue)");
+}
+
+TEST_F(LayoutQtTest, ScreenReadersAreToldCaptionsAsTextsAndFieldsByTheirCaption) {
+  ShowScreen(screen);
+  auto* label = QAccessible::queryAccessibleInterface(&Widget("Label0"));
+  EXPECT_EQ(label->role(), QAccessible::StaticText);
+  EXPECT_EQ(label->text(QAccessible::Name), "Minimum Injector Turn-on Time =");
+  auto* field = QAccessible::queryAccessibleInterface(&Widget("Text0"));
+  EXPECT_EQ(field->role(), QAccessible::EditableText);
+  EXPECT_EQ(field->text(QAccessible::Name), "Minimum Injector Turn-on Time =");
 }
 
 TEST_F(LayoutQtTest, CanvasTakesTheRoomThatIsLeft) {

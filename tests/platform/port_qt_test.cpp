@@ -129,6 +129,23 @@ TEST_F(PortQtTest, BytesAreToldFromTheQueueToo) {
   EXPECT_EQ(received, (Bytes{1, 2, 3}));
 }
 
+TEST_F(PortQtTest, BytesThatAnotherPassHasTakenAreNoUnplugging) {
+  Open(terminal.name);
+  int timer = StartTimer(1, [] {
+    for (int pass = 0; pass < 3; ++pass) Yield();
+  });
+  for (int round = 0; round < 50; ++round) {
+    received.clear();
+    terminal.Send({1, 2, 3});
+    EXPECT_TRUE(Passes([&] { return received.size() == 3; }));
+    RunPending();
+  }
+  StopTimer(timer);
+  DiscardInput(port);
+  for (int pass = 0; pass < 100; ++pass) Yield();
+  EXPECT_TRUE(gone.empty());
+}
+
 TEST_F(PortQtTest, DiscardedInputIsNeverTold) {
   Open(terminal.name);
   terminal.Send({1, 2, 3});

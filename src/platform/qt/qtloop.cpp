@@ -16,6 +16,7 @@
 
 #include "platform/loop.h"
 #include "platform/native.h"
+#include "platform/qt/qtaccess.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtboxes.h"
 #include "platform/qt/qtcontrols.h"
@@ -149,6 +150,7 @@ void StartPlatform(int& argc, char** argv) {
   QApplication::setApplicationName("Halvane2");
   ApplyStyle();
   ListenToKeys();
+  TellScreenReaders();
 }
 
 void ResetLoop() {

@@ -97,7 +97,7 @@ bool Apply(termios& line, const std::string& settings) {
   if (mode[1] == 'O') line.c_cflag |= PARODD;
   if (mode[5] == '2') line.c_cflag |= CSTOPB;
   line.c_iflag |= IGNBRK;
-  line.c_cc[VMIN] = 0;
+  line.c_cc[VMIN] = 1;  // a read of nothing then means that the device has gone
   line.c_cc[VTIME] = 0;
   return true;
 }
@@ -192,22 +192,20 @@ void TellLineEvents(const std::shared_ptr<Port>& port) {
 }
 
 // Up to a buffer of bytes; 0 when there are none now.
-std::size_t ReadSome(const std::shared_ptr<Port>& port, std::span<std::uint8_t> buffer,
-                     bool expected) {
+std::size_t ReadSome(const std::shared_ptr<Port>& port, std::span<std::uint8_t> buffer) {
   if (port->gone) return 0;
   ssize_t count = 0;
   do count = ::read(port->file, buffer.data(), buffer.size());
   while (count < 0 && errno == EINTR);
   if (count > 0) return static_cast<std::size_t>(count);
-  // Nothing although the line said that there is something: the device has gone.
-  bool nothingYet = count < 0 ? errno == EAGAIN || errno == EWOULDBLOCK : !expected;
+  bool nothingYet = count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
   if (!nothingYet) TellGone(port, Unplugged);
   return 0;
 }
 
-bool TellBytes(const std::shared_ptr<Port>& port, bool expected) {
+bool TellBytes(const std::shared_ptr<Port>& port) {
   std::array<std::uint8_t, 1024> buffer;
-  std::size_t count = ReadSome(port, buffer, expected);
+  std::size_t count = ReadSome(port, buffer);
   if (count == 0) return false;
   TellLineEvents(port);
   if (port->events.received && openPorts.count(port->handle))
@@ -289,7 +287,7 @@ PortResult OpenPort(const std::string& device, const std::string& settings, Port
   port->readable = std::make_unique<QSocketNotifier>(port->file, QSocketNotifier::Read);
   QObject::connect(port->readable.get(), &QSocketNotifier::activated, port->readable.get(),
                    [handle = port->handle] {
-                     if (auto open = Opened(handle)) TellBytes(open, true);
+                     if (auto open = Opened(handle)) TellBytes(open);
                    });
   openPorts[port->handle] = port;
   return {port->handle, {}};
@@ -314,7 +312,7 @@ bool WritePort(PortHandle handle, std::span<const std::uint8_t> bytes) {
 void DiscardInput(PortHandle handle) {
   std::array<std::uint8_t, 1024> buffer;
   if (auto port = Opened(handle))
-    while (ReadSome(port, buffer, false) > 0) {
+    while (ReadSome(port, buffer) > 0) {
     }
 }
 
@@ -334,7 +332,7 @@ bool TellPortBytes() {
   if (openPorts.empty()) return false;
   bool any = false;
   auto ports = openPorts;
-  for (auto& [handle, port] : ports) any |= TellBytes(port, false);
+  for (auto& [handle, port] : ports) any |= TellBytes(port);
   return any;
 }
 
