@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QTimer>
 #include <algorithm>
 #include <vector>
 
@@ -91,27 +92,55 @@ void PlaceFrame(const Frame& frame) {
               std::clamp(corner.y(), desktop.top(), desktop.bottom() - reachable));
 }
 
-// Makes the window large enough for the page, where the desktop allows it.
-void GrowFor(const QWidget& page) {
+// Makes the window large enough for the page (if any) and the bars, where the desktop allows it.
+// Result: whether the window has grown.
+bool GrowOnceFor(const QWidget* page) {
   MainWindow& window = Window();
-  if (window.isMaximized() || window.isMinimized() || window.isFullScreen()) return;
+  if (window.isMaximized() || window.isMinimized() || window.isFullScreen()) return false;
+  // Requests for a new layout that wait in the queue would come too late.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+  window.statusBar()->layout()->invalidate();
   window.statusBar()->layout()->activate();
   window.layout()->activate();
   QSize around = window.size() - window.stack->size();
   QRect desktop = Desktop();
   QSize most = desktop.size() - Borders(window);
-  QSize needs = page.sizeHint() + around;
+  QSize needs = page ? page->sizeHint() + around : window.size();
   for (QWidget* bar :
        {static_cast<QWidget*>(window.menuBar()), static_cast<QWidget*>(window.statusBar())})
     needs.setWidth(std::max(needs.width(), bar->sizeHint().width()));
   QSize size = needs.boundedTo(most).expandedTo(window.size());
-  if (size == window.size()) return;
+  if (size == window.size()) return false;
   QPoint corner = window.pos();
   QSize whole = size + Borders(window);
   corner.setX(std::max(std::min(corner.x(), desktop.right() + 1 - whole.width()), desktop.left()));
   corner.setY(std::max(std::min(corner.y(), desktop.bottom() + 1 - whole.height()), desktop.top()));
   window.resize(size);
   if (corner != window.pos()) window.move(corner);
+  return true;
+}
+
+// The bars around the page have their real height only in a window that has been laid out, which
+// the first turn may be the first to do.
+void GrowFor(const QWidget* page) {
+  constexpr int turnsAtMost = 3;
+  for (int turn = 0; turn < turnsAtMost && GrowOnceFor(page); ++turn) {
+  }
+}
+
+// Once more when the queue has laid everything out: fonts and styles of a first page come that
+// late.
+void GrowSoon() {
+  QTimer::singleShot(0, &Window(), [] {
+    MainWindow& window = Window();
+    window.statusBar()->layout()->invalidate();
+    if (QWidget* page = window.stack->currentWidget()) {
+      if (page->layout()) page->layout()->invalidate();
+      GrowFor(page);
+    }
+    window.layout()->invalidate();
+    window.layout()->activate();
+  });
 }
 
 void ShowStatus(const Frame& frame) {
@@ -133,7 +162,9 @@ void ShowStatus(const Frame& frame) {
     if (used) panel.SetCaption(ToQt(frame.statusPanels[i]).replace("&", "&&"));
     panel.setVisible(used);
   }
-  if (grows && window.isVisible()) GrowFor(*window.stack->currentWidget());
+  if (!grows) return;
+  GrowFor(window.stack->currentWidget());
+  GrowSoon();
 }
 
 }  // namespace
@@ -151,12 +182,13 @@ void AddWorkPage(QWidget& page) {
 void ShowWorkPage(QWidget& page) {
   MainWindow& window = Window();
   if (window.stack->indexOf(&page) < 0) window.stack->addWidget(&page);
-  GrowFor(page);
+  GrowFor(&page);
   window.stack->setCurrentWidget(&page);
   if (!window.isVisible()) {
     window.show();
     window.activateWindow();
   }
+  GrowSoon();
   window.layout()->activate();
 }
 
