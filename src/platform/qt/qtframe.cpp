@@ -131,8 +131,9 @@ void GrowFor(const QWidget* page) {
 // Once more when the queue has laid everything out: fonts and styles of a first page come that
 // late.
 void GrowSoon() {
-  QTimer::singleShot(0, &Window(), [] {
+  QTimer::singleShot(0, &Window(), [asked = Window().size()] {
     MainWindow& window = Window();
+    if (window.size() != asked) return;
     window.statusBar()->layout()->invalidate();
     if (QWidget* page = window.stack->currentWidget()) {
       if (page->layout()) page->layout()->invalidate();
