@@ -27,13 +27,23 @@ bool IsOperated(const Control& control) {
          control.kind == ControlKind::CheckBox;
 }
 
+// The letter of a field that has the keys already is no move of the focus, and nobody is told of
+// one. What is typed next takes the place of the old text all the same.
+void SelectForTypingOver(Control& field) {
+  if (field.kind == ControlKind::TextField)
+    SelectText(field, 0, static_cast<int>(field.text.size()));
+}
+
 bool TakeAccelerator(Screen& screen, int letter) {
   Control* target = AcceleratorTarget(screen, letter);
   if (!target) return false;
-  if (IsOperated(*target))
+  if (IsOperated(*target)) {
     UserClick(*target);
-  else
-    SetFocus(*target);
+    return true;
+  }
+  const bool isThere = screen.focus == target;
+  SetFocus(*target);
+  if (isThere) SelectForTypingOver(*target);
   return true;
 }
 

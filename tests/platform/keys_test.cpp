@@ -169,6 +169,33 @@ TEST_F(KeysTest, AltLetterOfALabelFocusesItsField) {
   EXPECT_FALSE(WasTold("down alt+79")) << "the screen's routine sees no accelerator";
 }
 
+TEST_F(KeysTest, AltLetterOfTheFocusedFieldSelectsItsTextForTypingOver) {
+  Show();
+  PressKey("Alt+O");
+  TypeText("1.5");
+  Told();
+  PressKey("Alt+O");
+  EXPECT_FALSE(WasTold("got Text2")) << "the focus did not move";
+  EXPECT_EQ(At(screen, "Text2").selStart, 0);
+  EXPECT_EQ(At(screen, "Text2").selLength, 3);
+  EXPECT_EQ(ShownText(screen, "Text2"), "1.5");
+  TypeText("0.75");
+  EXPECT_EQ(ShownText(screen, "Text2"), "0.75");
+}
+
+TEST_F(KeysTest, AltLetterOfTheFocusedMemoLeavesItsCaret) {
+  screen.build = [](Screen& s) {
+    Add(s, {.name = "Label1", .caption = "&Memo", .labelFor = "Memo"});
+    Add(s, {.name = "Memo", .kind = ControlKind::TextArea});
+  };
+  Show();
+  PressKey("Alt+M");
+  TypeText("one");
+  PressKey("Alt+M");
+  TypeText(" two");
+  EXPECT_EQ(ShownText(screen, "Memo"), "one two");
+}
+
 TEST_F(KeysTest, AltLetterOfAButtonClicksIt) {
   Show();
   PressKey("Alt+G");

@@ -91,6 +91,27 @@ TEST_F(EditCycleTest, PendingEntryBringsTheFocusBackFromTabAndAccelerator) {
   EXPECT_EQ(Text("Plain"), "7");
 }
 
+TEST_F(EditCycleTest, AcceleratorOfThePendingFieldSelectsItForTypingOver) {
+  TypeText("75");
+  PressKey("Alt+P");
+  EXPECT_TRUE(AllSelected("Plain"));
+  EXPECT_EQ(Text("Plain"), "75") << "nothing is lost until it is typed over";
+  EXPECT_EQ(EntryPending, 1);
+  TypeText("6");
+  PressKey("Enter");
+  EXPECT_EQ(CalValues[10], 6);
+  EXPECT_EQ(EntryPending, 0);
+}
+
+TEST_F(EditCycleTest, AcceleratorOfTheFieldWithTheFocusSelectsItsTextAnew) {
+  PressKey("End");
+  PressKey("Alt+P");
+  EXPECT_TRUE(AllSelected("Plain"));
+  TypeText("6");
+  PressKey("Enter");
+  EXPECT_EQ(CalValues[10], 6);
+}
+
 TEST_F(EditCycleTest, ClickInThePendingFieldSelectsItsText) {
   TypeText("75");
   ClickOn(Up(), "Plain");
