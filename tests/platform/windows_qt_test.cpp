@@ -151,6 +151,30 @@ TEST_F(WindowsQtTest, ScreenAboveStaysOnTopAndGivesTheKeysBack) {
   EXPECT_EQ(ActiveScreen(), &work);
 }
 
+TEST_F(WindowsQtTest, UserWhoSwitchesRightAfterAWindowCameUpHasTheKeysThere) {
+  ShowScreen(work);
+  ShowScreen(above);
+  RunPending();
+  EXPECT_EQ(ActiveScreen(), &above);
+  Window().activateWindow();  // as the window manager does for the user
+  RunPending();
+  EXPECT_EQ(ActiveScreen(), &work);
+  PressKey("7");
+  EXPECT_EQ(ShownText(work, "Text1"), "7");
+  EXPECT_EQ(ShownText(above, "Text1"), "");
+}
+
+TEST_F(WindowsQtTest, KeysReturnWhenTheWindowManagerTakesThemForANewWindow) {
+  ShowScreen(work);
+  RunPending();
+  ShowScreen(above);
+  ActivateScreen(work);
+  WindowOf(above).activateWindow();
+  RunPending();
+  EXPECT_EQ(ActiveScreen(), &work);
+  EXPECT_TRUE(Window().isActiveWindow());
+}
+
 TEST_F(WindowsQtTest, ScreenAboveKeepsItsPlaceInTheRecord) {
   above.left = 1500;
   above.top = 750;

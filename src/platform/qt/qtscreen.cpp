@@ -404,10 +404,18 @@ void NativeFocus(Control& control) {
   FocusByRecord(*control.owner);
 }
 
+// The window manager gives the keys to a window that has just come up, also when the program wants
+// them elsewhere meanwhile: the wish is told again. Once it is granted, or old, the user decides.
 bool ActivationCounts(const QWidget& window) {
   constexpr qint64 wishHoldsMs = 1000;
-  if (!wishedWindow || !wishedSince.isValid() || wishedSince.elapsed() > wishHoldsMs) return true;
-  return wishedWindow == &window;
+  if (!wishedWindow || !wishedWindow->isVisible() || wishedSince.elapsed() > wishHoldsMs)
+    return true;
+  if (wishedWindow == &window) {
+    ForgetActivationWish();
+    return true;
+  }
+  wishedWindow->activateWindow();
+  return false;
 }
 
 void WishActivation(QWidget& window) {

@@ -34,7 +34,8 @@ void FocusByRecord(Screen& screen);
 // Deletes released screens, unless a native routine of one may be on the stack.
 void ReleaseScreens();
 void ReleaseSoon();  // in the next turn, if there are any
-// A window of ours got the keys: whether that is the one that was asked for last.
+// A window of ours got the keys: false when it is not the one that was asked for just now, which is
+// then asked for again.
 bool ActivationCounts(const QWidget& window);
 void WishActivation(QWidget& window);
 // A press of the mouse decides anew.
