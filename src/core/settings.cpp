@@ -102,7 +102,7 @@ std::string SettingKey(const SettingRow& row, int number) {
 }
 
 bool FirstRun() {
-  if (!GetSetting("Options", "Comport").empty()) return false;
+  if (GetAllSettings("Options").contains("Comport")) return false;
   for (const SettingRow& row : rows)
     for (int number = row.first; number <= row.last; ++number)
       Store({&row, number}, row.firstRun(number));

@@ -25,7 +25,7 @@ std::string SettingKey(const SettingRow& row, int number);
 
 // On the first run of this user, which is known by the store holding no "Comport", stores every
 // row's first value; result: whether it did. ScreenClass must be known, so the frame is up. A first
-// run that was cut short is taken up again.
+// run that was cut short is taken up again; a "Comport" that is no number is none.
 bool FirstRun();
 
 // The value of a setting of the table; the first run's value when the store has none, no number or

@@ -105,6 +105,17 @@ TEST_F(SettingsTest, FirstRunIsKnownByTheMissingPortNumber) {
   EXPECT_TRUE(GetAllSettings("ViewData").empty());
 }
 
+TEST_F(SettingsTest, DamagedPortNumberIsNoFirstRun) {
+  FirstRun();
+  StoreSetting("Options", "QuickStart", 0);
+  for (const char* damaged : {"", "1,2", "COM2"}) {
+    SaveSetting("Options", "Comport", damaged);
+    EXPECT_FALSE(FirstRun()) << damaged;
+    EXPECT_EQ(ReadSetting("Options", "Comport"), 1) << damaged;
+    EXPECT_EQ(ReadSetting("Options", "QuickStart"), 0) << damaged;
+  }
+}
+
 TEST_F(SettingsTest, SecondRunKeepsWhatTheUserChose) {
   FirstRun();
   StoreSetting("Options", "QuickStart", 0);

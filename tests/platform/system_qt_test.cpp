@@ -81,6 +81,17 @@ TEST_F(SystemQtTest, SettingsAreOnTheDiskWhenTheProgramHasEnded) {
   EXPECT_NE(TextOf(file).find("MainLeft=1234"), std::string::npos);
 }
 
+TEST_F(SystemQtTest, SettingWrittenByHandWithACommaIsReadAsItStands) {
+  SaveSetting("Options", "Comport", "1");
+  SettingsStore().sync();
+  std::ofstream(SettingsStore().fileName().toStdString())
+      << "[Options]\nComport=1,2\nQuickStart=0\n";
+  SettingsStore().sync();
+  EXPECT_EQ(GetSetting("Options", "Comport", "none"), "1,2");
+  EXPECT_EQ(GetAllSettings("Options"),
+            (std::map<std::string, std::string>{{"Comport", "1,2"}, {"QuickStart", "0"}}));
+}
+
 // ---- instances ----------------------------------------------------------------------------------
 
 TEST_F(SystemQtTest, FirstInstanceTakesThePlaceAndKeepsIt) {

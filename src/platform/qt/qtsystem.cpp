@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QVariant>
 #include <memory>
 
 #include "platform/loop.h"
@@ -38,6 +39,12 @@ QString InstanceLock() {
   return folder + "/halvane2-" + QString::fromLatin1(mark.left(12)) + ".lock";
 }
 
+// A value with a comma, written by hand, is read as a list; it is one text all the same.
+std::string TextOf(const QVariant& value) {
+  const bool isList = value.typeId() == QMetaType::QStringList;
+  return FromQt(isList ? value.toStringList().join(u',') : value.toString());
+}
+
 }  // namespace
 
 QSettings& SettingsStore() {
@@ -47,7 +54,7 @@ QSettings& SettingsStore() {
 
 std::string GetSetting(const std::string& section, const std::string& key,
                        const std::string& otherwise) {
-  return FromQt(SettingsStore().value(KeyOf(section, key), ToQt(otherwise)).toString());
+  return TextOf(SettingsStore().value(KeyOf(section, key), ToQt(otherwise)));
 }
 
 void SaveSetting(const std::string& section, const std::string& key, const std::string& value) {
@@ -58,8 +65,7 @@ std::map<std::string, std::string> GetAllSettings(const std::string& section) {
   std::map<std::string, std::string> all;
   QSettings& settings = SettingsStore();
   settings.beginGroup(ToQt(section));
-  for (const QString& key : settings.childKeys())
-    all[FromQt(key)] = FromQt(settings.value(key).toString());
+  for (const QString& key : settings.childKeys()) all[FromQt(key)] = TextOf(settings.value(key));
   settings.endGroup();
   return all;
 }
