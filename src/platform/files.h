@@ -1,8 +1,8 @@
 // The only door to the disk. Failures are Failure records: 53 not found, 61 disk full, 62 past the
-// end, 70 no permission (or read-only, whoever asks, or in use), 75 a folder where a file should
-// be, 76 the folder of the file is not there, 57 others (an unknown handle, writing to a file that
-// is open for reading, reading one that is open for writing, a seek before the start). Every read
-// and write goes through here, so that tests can fail the nth.
+// end, 70 no permission (or read-only, whoever asks, or in use), 75 a folder, a pipe or a device
+// where a file should be, 76 the folder of the file is not there, 57 others (an unknown handle,
+// writing to a file that is open for reading, reading one that is open for writing, a seek before
+// the start). Every read and write goes through here, so that tests can fail the nth.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,7 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path);
 // file and are never listed by ListFiles. A read-only file fails with 70.
 void SaveWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
 
-bool FileExists(const std::string& path);  // a plain file (or a device), not a folder
+bool FileExists(const std::string& path);  // also what is no plain file, but no folder
 bool FolderExists(const std::string& path);
 void CopyFile(const std::string& from, const std::string& to);  // replaces; as SaveWholeFile
 void DeleteFile(const std::string& path);       // a link goes, not what it points to

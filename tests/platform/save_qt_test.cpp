@@ -5,12 +5,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "platform/failure.h"
 #include "platform/files.h"
+#include "platform/qt/qtdisk.h"
 #include "support/qt/otheruser.h"
 #include "support/testfolder.h"
 #include "support/user.h"
@@ -51,25 +53,57 @@ class SaveQtTest : public PlatformTest {
   std::string file;
 };
 
-TEST_F(SaveQtTest, FullDeviceIsToldBySaveFlushAndClose) {
-  EXPECT_EQ(FailureOf([] { SaveWholeFile("/dev/full", Bytes{1, 2, 3}); }), FailureDiskFull);
-  FileHandle open = OpenFile("/dev/full", FileMode::Write);
-  WriteText(open, "abc");
-  EXPECT_EQ(FailureOf([&] { FlushFile(open); }), FailureDiskFull);
-  CloseAllFiles();
-  open = OpenFile("/dev/full", FileMode::Write);
-  WriteText(open, "abc");
-  EXPECT_EQ(FailureOf([&] { CloseFile(open); }), FailureDiskFull);
+// A limit on the size of files fails the write where a full disk would.
+void LimitFiles() {
+  ::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit{.rlim_cur = 1000, .rlim_max = 1000};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-// A limit on the size of files fails the write where a full disk would.
+TEST_F(SaveQtTest, FullDiskIsToldByFlushAndClose) {
+  auto numbers = [&] {
+    LimitFiles();
+    FileHandle open = OpenFile(file, FileMode::Write);
+    WriteText(open, std::string(2000, 'a'));
+    int flushed = FailureOf([&] { FlushFile(open); });
+    CloseAllFiles();
+    open = OpenFile(file, FileMode::Write);
+    WriteText(open, std::string(2000, 'a'));
+    int closed = FailureOf([&] { CloseFile(open); });
+    return std::to_string(flushed) + " " + std::to_string(closed);
+  };
+  ASSERT_EQ(::chmod(folder.c_str(), 0777), 0);
+  EXPECT_EQ(AsOrdinaryUser(numbers), "61 61");
+}
+
+TEST_F(SaveQtTest, EveryWayOfADiskToBeFullHasOneNumber) {
+  for (int error : {ENOSPC, EDQUOT, EFBIG})
+    EXPECT_EQ(FailureOf([&] { RaiseDiskFailure(error, file); }), FailureDiskFull) << error;
+}
+
+TEST_F(SaveQtTest, PipesAndDevicesAreRefusedAtOnce) {
+  ASSERT_EQ(::mkfifo(file.c_str(), 0666), 0);
+  fs::create_symlink(file, folder + "/Link.bin");
+  for (const std::string& name : {file, folder + "/Link.bin", std::string("/dev/zero")}) {
+    for (FileMode mode : {FileMode::Read, FileMode::Write, FileMode::Append, FileMode::ReadWrite})
+      EXPECT_EQ(FailureOf([&] { OpenFile(name, mode); }), FailurePathFileAccess) << name;
+    EXPECT_EQ(FailureOf([&] { SaveWholeFile(name, Bytes{1}); }), FailurePathFileAccess) << name;
+    EXPECT_EQ(FailureOf([&] { CopyFile(name, folder + "/copy"); }), FailurePathFileAccess) << name;
+  }
+  EXPECT_TRUE(fs::is_fifo(file)) << "it is still what it was";
+  try {
+    ReadWholeFile(file);
+    ADD_FAILURE() << "a pipe was read";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.description, file + " is no file: it is a pipe or a device.");
+  }
+}
+
 TEST_F(SaveQtTest, SaveThatDoesNotFitLeavesTheOldFileAndNothingElse) {
   MakeFile(file, "old");
   pid_t child = ::fork();
   if (child == 0) {
-    ::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{.rlim_cur = 1000, .rlim_max = 1000};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
+    LimitFiles();
     ::_exit(FailureOf([&] { SaveWholeFile(file, Bytes(2048, 7)); }));
   }
   int status = 0;

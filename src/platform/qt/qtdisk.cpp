@@ -69,7 +69,11 @@ void RaiseDiskFailure(int systemError, const std::string& path) {
 void RefuseWhatIsNoFile(const std::string& path) {
   std::error_code error;
   if (path.empty()) RaiseFailure(FailureFileNotFound);
-  if (fs::is_directory(DiskPath(path), error)) RaiseFailure(FailurePathFileAccess);
+  fs::file_status status = fs::status(DiskPath(path), error);
+  if (!fs::exists(status) || fs::is_regular_file(status)) return;
+  if (fs::is_directory(status)) RaiseFailure(FailurePathFileAccess);
+  // Opening one could wait for ever, and reading it never end.
+  RaiseFailure(FailurePathFileAccess, path + " is no file: it is a pipe or a device.");
 }
 
 void RefuseReadOnly(const std::string& path) {

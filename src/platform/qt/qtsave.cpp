@@ -18,17 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void SaveInPlace(const std::string& path, std::span<const std::uint8_t> bytes) {
-  FileHandle file = OpenFile(path, FileMode::Write);
-  try {
-    WriteFile(file, bytes);
-  } catch (const Failure&) {
-    CloseFile(file);
-    throw;
-  }
-  CloseFile(file);
-}
-
 #ifdef _WIN32
 
 void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
@@ -137,14 +126,10 @@ void SaveWholeFile(const std::string& path, std::span<const std::uint8_t> bytes)
   RefuseReadOnly(path);
   fs::path target = TargetOf(DiskPath(path));
   std::error_code error;
-  bool special = fs::exists(target, error) && !fs::is_regular_file(target, error);
 #ifndef _WIN32
   // Replacing would get round a file of somebody else that may not be written.
   if (fs::exists(target, error) && ::access(target.c_str(), W_OK) != 0)
     RaiseDiskFailure(errno, path);
 #endif
-  if (special)
-    SaveInPlace(path, bytes);
-  else
-    SaveBeside(target, bytes);
+  SaveBeside(target, bytes);
 }
