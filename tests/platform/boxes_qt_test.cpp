@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
 
@@ -100,7 +101,9 @@ TEST_F(BoxesQtTest, FilterTakesExtensionsInAnyCase) {
     filters = dialog.nameFilters();
     auto* model = dialog.findChild<QFileSystemModel*>();
     QModelIndex root = model->index(ToQt(folder));
-    for (int turn = 0; turn < 200 && model->rowCount(root) < 3; ++turn) QTest::qWait(5);
+    QSignalSpy read(model, &QFileSystemModel::directoryLoaded);
+    while (model->rowCount(root) < 3 && read.wait()) {
+    }
     for (int row = 0; row < model->rowCount(root); ++row)
       seen << model->index(row, 0, root).data().toString();
   });
