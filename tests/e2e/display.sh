@@ -17,6 +17,7 @@ die() {
   [ -n "${DISPLAY:-}" ] && picture failed || true
   exit 1
 }
+trap 'die "line $LINENO: $BASH_COMMAND"' ERR
 
 # start_display WIDTH HEIGHT
 start_display() {
@@ -68,6 +69,7 @@ activate() {
 }
 
 window_titled() { xdotool search --onlyvisible --name "$1"; }
+no_window_titled() { ! window_titled "$1"; }
 
 # The picture has stood still for a moment.
 settle() {

@@ -5,38 +5,13 @@
 #   main_job.sh BUILD_FOLDER OUT_FOLDER
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/display.sh"
+. "$here/garage.sh"
 
-built=$(cd "$1" && pwd)
-mkdir -p "$2"
-out=$(cd "$2" && pwd)
-rm -rf "${out:?}"/*.png "$out/garage" "$out/config"
-garage=$out/garage
-mkdir -p "$garage" "$out/config"
-cp "$built/base.bin" "$garage/base.bin"
-cp "$built/base.bin" "$garage/V8.bin"
-find "$here/../../data" -maxdepth 1 \( -name '*.txt' -o -name '*.TIP' \) ! -name CMakeLists.txt \
-  -exec cp {} "$garage/" \;
-# A first run with the tips switched off, so that the main menu is up at once.
-export XDG_CONFIG_HOME=$out/config XDG_RUNTIME_DIR=$out/config HOME=$garage
-export LC_ALL=C.UTF-8 QT_ACCESSIBILITY=0
-chmod 700 "$out/config"
-
-tell() { printf '  %s\n' "$*"; }
-
+prepare_garage "$1" "$2"
 start_display 1024 768
-"$built/zemsim" --quiet --link "$out/zem-terminal" --image "$out/zem-memory" ${ZEMSIM_OPTIONS:-} &
-pieces+=($!)
-program=$!
-wait_for 10 "the simulated ZEM" test -e "$out/zem-terminal"
-export HALVANE2_COM1=$out/zem-terminal
-rm -f "$out/zem-memory"
-
-cd "$garage"
-"$built/halvane2" 2>"$out/program.log" &
-program=$!
-pieces+=("$program")
-wait_for 30 "the main frame" window_titled '^Halvane2 Version'
-wait_for 10 "the keys of the main frame" activate '^Halvane2 Version'
+# shellcheck disable=SC2086
+start_zem ${ZEMSIM_OPTIONS:-}
+start_program
 settle
 picture main-menu
 tell "started: the main menu is up"
@@ -109,12 +84,6 @@ wait_for 10 "the open dialog" window_titled 'Open Halvane2 User BIN Files'
 keys Escape
 settle
 keys ctrl+x
-for _ in $(seq 200); do
-  kill -0 "$program" 2>/dev/null || break
-  sleep 0.05
-done
-kill -0 "$program" 2>/dev/null && die "the program did not end"
-wait "$program" || die "the program ended with exit code $?: $(tail -n 20 "$out/program.log")"
-grep -qE 'ERROR: AddressSanitizer|runtime error' "$out/program.log" && die "$(cat "$out/program.log")"
+expect_end
 tell "ended"
 printf 'PROGRAM VERIFIED: pictures and files are in %s\n' "$(basename "$out")/"
