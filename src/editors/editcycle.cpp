@@ -89,6 +89,15 @@ void RedrawPair(Editor& editor, const EditorPair& row) {
   SetBackColour(offControl, on ? SystemButtonFace : row.offColour);
 }
 
+// A session may have begun or ended since.
+void RedrawButton(Editor& editor, const EditorButton& row) {
+  const bool reachable = row.opens.empty() || ScreenRegistered(row.opens);
+  const bool offNow = row.offInOnflySession && MonitorMode == onflySession;
+  SetEnabled(At(editor.screen, row.control), reachable && !offNow);
+  if (Control* picture = Find(editor.screen, row.control + "Picture"))
+    SetEnabled(*picture, reachable && !offNow);
+}
+
 // ---- entry --------------------------------------------------------------------------------------
 
 // What the mask makes of an entry. A text without a number that it can show stays as it is.
@@ -302,6 +311,7 @@ void Redraw(Editor& editor) {
     if (row.show) SetCaption(At(editor.screen, row.control), row.show());
   for (const EditorList& row : editor.lists) RedrawList(editor, row);
   for (const EditorPair& row : editor.pairs) RedrawPair(editor, row);
+  for (const EditorButton& row : editor.buttons) RedrawButton(editor, row);
   RewriteCaptions(editor);
   if (editor.draw) editor.draw(editor);
 }

@@ -248,25 +248,12 @@ void Clicked(Editor& editor, Control& control) {
     editor.click(editor, control);
 }
 
-// ---- load ---------------------------------------------------------------------------------------
-
-void EnableButtons(Editor& editor) {
-  for (const EditorButton& row : editor.buttons) {
-    const bool reachable = row.opens.empty() || ScreenRegistered(row.opens);
-    const bool offNow = row.offInOnflySession && MonitorMode == 3;
-    SetEnabled(At(editor.screen, row.control), reachable && !offNow);
-    if (Control* picture = Find(editor.screen, row.control + "Picture"))
-      SetEnabled(*picture, reachable && !offNow);
-  }
-}
-
 }  // namespace
 
 void ConnectEvents(Editor& editor) {
   ScreenEvents& on = editor.screen.on;
   on.load = [&editor](Screen&) {
     IndexControls(editor);
-    EnableButtons(editor);
     EditorLoaded(editor);
   };
   // It may come back to another calibration, or to a session that has begun or ended.

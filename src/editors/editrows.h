@@ -146,9 +146,9 @@ struct EditorPair {
 struct EditorButton {
   std::string control;
   Words caption;
-  std::string icon;                // picture beside it, which does the same; "" has none
-  std::string opens;               // closes this screen and opens that one; grey until registered
-  bool offInOnflySession = false;  // when the screen is opened in one
+  std::string icon;   // picture beside it, which does the same; "" has none
+  std::string opens;  // closes this screen and opens that one; grey until registered
+  bool offInOnflySession = false;
   void (*click)(Editor&, const EditorButton&) = nullptr;  // instead of opening
   std::string helpTopic;
 };

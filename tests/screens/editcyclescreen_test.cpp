@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/globalstate.h"
+#include "link/postedwrite.h"
 #include "screens/testeditor.h"
 
 // ---- Back ---------------------------------------------------------------------------------------
@@ -77,6 +78,15 @@ TEST_F(EditCycleTest, ButtonThatLeadsElsewhereIsOffInAnOnflySession) {
   Open(TestEditor());
   EXPECT_FALSE(ShownEnabled(Up(), "Command4"));
   EXPECT_TRUE(ShownEnabled(Up(), "Command3"));
+}
+
+TEST_F(EditCycleTest, ButtonFollowsASessionThatBeginsAndEndsWhileTheScreenIsUp) {
+  MonitorMode = 3;
+  RefreshActiveEditor();
+  EXPECT_FALSE(ShownEnabled(Up(), "Command4"));
+  MonitorMode = 0;
+  RefreshActiveEditor();
+  EXPECT_TRUE(ShownEnabled(Up(), "Command4"));
 }
 
 // ---- help ---------------------------------------------------------------------------------------
