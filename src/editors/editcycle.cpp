@@ -370,6 +370,17 @@ Editor* TopEditor() {
   return nullptr;
 }
 
+namespace {
+
+bool HoldForPendingEntry() {
+  Editor* top = TopEditor();
+  if (EntryPending == 0 || !top) return false;
+  reinit(*top);
+  return true;
+}
+
+}  // namespace
+
 void EditorLoaded(Editor& editor) {
   EntryPending = 0;
   EnterPressed = 0;
@@ -380,6 +391,7 @@ void EditorLoaded(Editor& editor) {
   RefreshActiveEditor = [] {
     if (Editor* top = TopEditor()) Redraw(*top);
   };
+  HeldByPendingEntry = HoldForPendingEntry;
   Redraw(editor);
   if (editor.loaded) editor.loaded(editor);
 }

@@ -211,6 +211,11 @@ bool IsEnabled(const MenuRow& row) {
   return IsReady(row.action);
 }
 
+// A pending entry keeps the menus from leaving its screen as it does the hot keys.
+void ChooseEntry(const MenuRow& row) {
+  if (!HeldByPendingEntry()) Run(row.action);
+}
+
 std::vector<MenuItem> Below(std::string_view parent) {
   std::vector<MenuItem> items;
   for (const MenuRow& row : rows) {
@@ -221,7 +226,7 @@ std::vector<MenuItem> Below(std::string_view parent) {
                   .enabled = IsEnabled(row),
                   .separatorBefore = row.lineBefore};
     const bool hasAction = row.action.run || !row.action.screen.empty();
-    if (hasAction) item.click = [&row] { Run(row.action); };
+    if (hasAction) item.click = [&row] { ChooseEntry(row); };
     items.push_back(std::move(item));
   }
   return items;

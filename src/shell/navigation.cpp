@@ -9,6 +9,8 @@
 #include "platform/loop.h"
 #include "shell/mainmenu.h"
 
+bool (*HeldByPendingEntry)() = [] { return false; };
+
 namespace {
 
 // Those that are being unloaded already do not count.

@@ -27,6 +27,10 @@ void OpenBeside(std::string_view name);
 // opener returns when the loop has ended; `ended` runs after that.
 void OpenLive(std::string_view name, std::function<void()> ended = {});
 
+// Whether a value that is typed and not confirmed keeps the user on its screen; it is then shown
+// where to go on. The editors set it; until then nothing is ever pending.
+extern bool (*HeldByPendingEntry)();
+
 // Whether a screen of work or a box is up.
 bool AnythingUp();
 // Once the stack is back at the queue: shows the main menu when nothing else is up.

@@ -129,6 +129,30 @@ TEST_F(EditorHotKeys, AreDeadWhileAnEntryIsPending) {
   EXPECT_EQ(ShownText(Injectors(), "Text1"), "5");
 }
 
+TEST_F(EditorHotKeys, NoMenuEntryLeavesOrSavesWhileAnEntryIsPending) {
+  const auto before = ReadWholeFile(path_);
+  TypeText("5");
+  for (const char* entry :
+       {"mnuFileOpen", "mnuFileSave", "mnuFileSaveAs", "mnuFileExit", "mnuViewMain", "mnuViewCal",
+        "mnuViewMonitor", "mnuViewProgram", "mnuCalknock", "mnuComportssub2", "mnuHelpAbout"}) {
+    ChooseMenu(entry);
+    RunPending();
+    EXPECT_EQ(Top(), "Binj_graph") << entry;
+    EXPECT_FALSE(AnyBoxShown()) << entry;
+  }
+  EXPECT_EQ(opened_, "");
+  EXPECT_EQ(ComPort, 1);
+  EXPECT_EQ(ReadWholeFile(path_), before);
+  EXPECT_EQ(ShownFocus(), "Text1");
+  EXPECT_EQ(ShownText(Injectors(), "Text1"), "5");
+  EXPECT_EQ(At(Injectors(), "Text1").selLength, 1) << "ready to be typed over";
+  PressKey("Enter");
+  ChooseMenu("mnuCalknock");
+  RunPending();
+  EXPECT_EQ(CalValues[232], 5);
+  EXPECT_EQ(Top(), "KnockCntl");
+}
+
 TEST_F(EditorHotKeys, CtrlEShowsTheCalibrationScreen) {
   PressKey("Ctrl+E");
   RunPending();
