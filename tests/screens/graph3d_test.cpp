@@ -1,103 +1,21 @@
-// The 3D graph by keys and clicks: opening from each table, the walk of the marker, stepping values
-// and writing them back, Back, and what a damaged calibration makes of it.
-#include "editors/graph3d.h"
-
-#include <gtest/gtest.h>
-
+// The 3D graph by keys and clicks: opening from each table, the walk of the marker, Back, and what
+// a damaged calibration makes of it.
 #include <cmath>
 #include <limits>
 
-#include "core/encoder.h"
 #include "core/numbers.h"
-#include "editors/advancetable.h"
-#include "editors/airfueltable.h"
-#include "editors/gpotable.h"
-#include "editors/graph3dpicture.h"
-#include "editors/vetable.h"
-#include "screens/tablescreens.h"
+#include "screens/graph3dscreen.h"
 
 namespace {
 
-constexpr const char* adjustable = "Use + or - Keys to Adjust Graph Values";
 constexpr const char* fixedValues = "Values in this graph are not Editable";
-
-struct TableCase {
-  Editor& (*editor)();
-  const char* screen;
-  const char* button;
-  int table;
-  std::size_t calBase;
-  const char* caption;
-  const char* unit;
-};
-const TableCase tables[] = {
-    {FrmVETable, "frmVETable", "VEGraph", TableVe, 124, "VE &Value =", "% FPW"},
-    {GpoCtl, "GPO_Ctl", "Command1", TableGpo, 260, "GPO Duty Cycle &Value =", "%"},
-    {IgnAdvTbl, "Ign_adv_tbl", "Command1", TableAdvance, 60, "Advance &Value =", "Degrees"},
-    {EgoAfTbl, "EGO_AF_TBL", "Command2", TableAirFuel, 344, "Air/Fuel Ratio &Value =", ""},
-};
-
-class Graph3DTest : public TableTest {
- protected:
-  void SetUp() override {
-    TableTest::SetUp();
-    RegisterGraph3D();
-  }
-
-  // Opens a table and its graph by the graph button.
-  void OpenGraphOf(const TableCase& one) {
-    OpenTable(one.editor());
-    ClickOn(Up(), one.button);
-    RunPending();
-    ASSERT_TRUE(Graph3D.visible) << one.screen;
-  }
-  void OpenVe(int view = 0) {
-    VeView = view;
-    OpenGraphOf(tables[0]);
-  }
-  // Leaves the graph and its table, for the next one.
-  void CloseAll() {
-    PressKey("Esc");
-    RunPending();
-    UnloadScreen(Up());
-    RunPending();
-    CalChanged = false;
-  }
-
-  void WalkTo(int column, int row) {
-    for (int i = 0; i < 20 && CursorColumn != column; ++i) PressKey("Right");
-    for (int i = 0; i < 20 && CursorRow != row; ++i) PressKey("Up");
-    ASSERT_EQ(CursorColumn, column);
-    ASSERT_EQ(CursorRow, row);
-  }
-  void WalkToCell(int cell) { WalkTo(PlaceOfCell(cell).column, PlaceOfCell(cell).row); }
-  std::string Shown(const char* control) { return ShownText(Graph3D, control); }
-  std::array<std::string, 3> Fields() {
-    return {Shown("RPM_Text"), Shown("MAP_Text"), Shown("Value_Text")};
-  }
-  using Three = std::array<std::string, 3>;
-
-  const std::vector<Primitive>& Picture() { return ::At(Graph3D, "Picture1").drawing.primitives; }
-  unsigned long Generation() { return ::At(Graph3D, "Picture1").drawing.generation; }
-  bool PictureHas(const std::string& text) {
-    for (const Primitive& one : Picture())
-      if (one.kind == PrimitiveKind::Text && one.text == text) return true;
-    return false;
-  }
-  std::vector<Primitive> Discs() {
-    std::vector<Primitive> discs;
-    for (const Primitive& one : Picture())
-      if (one.kind == PrimitiveKind::Disc) discs.push_back(one);
-    return discs;
-  }
-};
 
 }  // namespace
 
 // ---- opening ------------------------------------------------------------------------------------
 
 TEST_F(Graph3DTest, OpensFromEachTableWithItsCaptionAndUnit) {
-  for (const TableCase& one : tables) {
+  for (const TableCase& one : graphTables) {
     OpenGraphOf(one);
     EXPECT_FALSE(Up().loaded);
     EXPECT_EQ(SelectedTable, one.table);
@@ -231,12 +149,12 @@ TEST_F(Graph3DTest, TheLoadIsShownAsAWholeNumber) {
 }
 
 TEST_F(Graph3DTest, ValuesHaveTwoDecimals) {
-  OpenGraphOf(tables[3]);
+  OpenGraphOf(graphTables[3]);
   EXPECT_EQ(Shown("Value_Text"), "14.64");
   WalkToCell(1);
   EXPECT_EQ(Shown("Value_Text"), "10.25");
   CloseAll();
-  OpenGraphOf(tables[2]);
+  OpenGraphOf(graphTables[2]);
   EXPECT_EQ(Shown("Value_Text"), "12.00");  // initial advance
   WalkToCell(1);
   EXPECT_EQ(Shown("Value_Text"), "0.50");
@@ -280,216 +198,10 @@ TEST_F(Graph3DTest, KeysWorkWhateverHasTheFocus) {
   EXPECT_EQ(Shown("Value_Text"), "-12.00");
 }
 
-// ---- stepping -----------------------------------------------------------------------------------
-
-TEST_F(Graph3DTest, PlusAndMinusStepEachTableAndWriteAllCellsBack) {
-  struct Step {
-    const char* key;
-    double change;
-  };
-  const Step steps[] = {{"Plus", 1}, {"KeypadPlus", 1}, {"Minus", -1}, {"KeypadMinus", -1}};
-  for (const TableCase& one : tables) {
-    SCOPED_TRACE(one.screen);
-    const bool airFuel = one.table == TableAirFuel;
-    for (const Step& step : steps) {
-      OpenGraphOf(one);
-      const auto before = CalValues;
-      WalkToCell(20);
-      EXPECT_FALSE(CalChanged);
-      PressKey(step.key);
-      EXPECT_TRUE(CalChanged) << step.key;
-      for (std::size_t index = 0; index < CalValues.size(); ++index) {
-        double scale = one.table == TableVe ? 0.01 : 1;
-        double change = index == one.calBase + 20 ? step.change * scale * (airFuel ? 0.01 : 1) : 0;
-        if (change == 0)
-          EXPECT_EQ(CalValues[index], before[index]) << step.key << " " << index;
-        else
-          EXPECT_NEAR(CalValues[index], before[index] + change, 1e-6) << step.key;
-      }
-      CalValues = before;
-      CloseAll();
-    }
-  }
-}
-
-TEST_F(Graph3DTest, TheWholeTableIsWrittenFromTheViews) {
-  OpenGraphOf(tables[1]);
-  TableWork[9][11] = 77;  // another cell than the marker's
-  WalkToCell(1);
-  PressKey("Plus");
-  EXPECT_EQ(CalValues[261], 2);
-  EXPECT_EQ(CalValues[324], 77);
-  EXPECT_EQ(GpoWork[9][11], 77);
-  EXPECT_EQ(GpoWork[2][4], 2);
-}
-
-TEST_F(Graph3DTest, AVeStepIsStoredAsAFraction) {
-  OpenVe();
-  WalkToCell(9);
-  PressKey("Plus");
-  EXPECT_EQ(CalValues[133], -0.22F);
-  EXPECT_EQ(VeWork[3][4], -22);
-}
-
-TEST_F(Graph3DTest, AKeyAtALimitChangesNothing) {
-  struct Limit {
-    const TableCase& table;
-    float stored;
-    const char* key;
-    const char* shown;
-  };
-  const Limit limits[] = {
-      {tables[0], 0.5F, "Plus", "50.00"},   {tables[0], -0.5F, "Minus", "-50.00"},
-      {tables[1], 100, "Plus", "100.00"},   {tables[1], 0, "Minus", "0"},
-      {tables[2], 60, "Plus", "60.00"},     {tables[2], 0, "Minus", "0"},
-      {tables[3], 19.14F, "Plus", "19.14"}, {tables[3], 10.14F, "Minus", "10.14"},
-  };
-  for (const Limit& limit : limits) {
-    SCOPED_TRACE(std::string(limit.table.screen) + " " + limit.key);
-    CalValues[limit.table.calBase + 2] = limit.stored;
-    OpenGraphOf(limit.table);
-    WalkToCell(2);
-    const auto before = CalValues;
-    PressKey(limit.key);
-    EXPECT_FALSE(CalChanged);
-    EXPECT_EQ(CalValues, before);
-    EXPECT_EQ(Shown("Value_Text"), limit.shown);
-    CloseAll();
-  }
-}
-
-TEST_F(Graph3DTest, ALimitIsReachedExactlyByHundredthsToo) {
-  CalValues[346] = 10.2F;
-  OpenGraphOf(tables[3]);
-  WalkToCell(2);
-  for (int i = 0; i < 6; ++i) PressKey("Minus");
-  EXPECT_EQ(CalValues[346], 10.14F);
-  CalChanged = false;
-  PressKey("Minus");
-  EXPECT_FALSE(CalChanged);
-}
-
-// A byte of the image hangs on it: 255 * 0.2 is 51, of the least bit less it is 50.
-TEST_F(Graph3DTest, StepsStoreTheVeryNumbersThatEntriesStore) {
-  for (int from : {-50, 0, 29}) {
-    CalValues[126] = static_cast<float>(from / 100.0);
-    OpenVe();
-    WalkToCell(2);
-    for (int percent = from + 1; percent <= from + 21; ++percent) {
-      PressKey("Plus");
-      ASSERT_EQ(CalValues[126], static_cast<float>(percent / 100.0)) << from << " " << percent;
-    }
-    CloseAll();
-  }
-}
-
-TEST_F(Graph3DTest, HundredthsOfAirFuelDoNotDrift) {
-  CalValues[346] = 14.64F;
-  OpenGraphOf(tables[3]);
-  WalkToCell(2);
-  for (int hundredths = 1463; hundredths >= 1400; --hundredths) {
-    PressKey("Minus");
-    ASSERT_EQ(CalValues[346], static_cast<float>(hundredths / 100.0));
-  }
-}
-
-TEST_F(Graph3DTest, AStepDoesNotPassALimit) {
-  CalValues[126] = 0.495F;
-  OpenVe();
-  WalkToCell(2);
-  PressKey("Plus");
-  EXPECT_EQ(CalValues[126], 0.5F);
-}
-
-TEST_F(Graph3DTest, AValueBeyondALimitStepsBackOnly) {
-  CalValues[346] = 25;
-  OpenGraphOf(tables[3]);
-  WalkToCell(2);
-  PressKey("Plus");
-  EXPECT_FALSE(CalChanged);
-  PressKey("Minus");
-  EXPECT_EQ(CalValues[346], 24.99F);
-}
-
-TEST_F(Graph3DTest, ColumnOneIsNotChanged) {
-  OpenVe();
-  PressKey("Plus");
-  PressKey("KeypadMinus");
-  EXPECT_FALSE(CalChanged);
-  EXPECT_EQ(TableWork[1][1], 0);
-  EXPECT_EQ(Shown("Value_Text"), "0");
-}
-
-TEST_F(Graph3DTest, AMarginStepChangesThePictureButNoCell) {
-  for (auto [column, row] : {std::pair{2, 5}, {3, 5}, {4, 1}, {6, 10}}) {
-    OpenVe();
-    WalkTo(column, row);
-    const auto before = CalValues;
-    const auto picture = Picture();
-    const float value = TableWork[row][column];
-    PressKey("Plus");
-    EXPECT_EQ(TableWork[row][column], ValueOfNode(value) + 1);
-    EXPECT_NE(Picture(), picture);
-    EXPECT_TRUE(CalChanged);
-    EXPECT_EQ(CalValues, before);
-    CloseAll();
-    OpenVe();
-    EXPECT_EQ(TableWork[row][column], value) << "lives until the next rebuild only";
-    CloseAll();
-  }
-}
-
-TEST_F(Graph3DTest, PulseWidthAndDutyCannotBeChanged) {
-  for (int view : {1, 2}) {
-    OpenVe(view);
-    WalkToCell(40);
-    const auto before = CalValues;
-    const std::string shown = Format(TableWork[6][11], "##0.00");
-    EXPECT_EQ(Shown("Value_Text"), TableWork[6][11] == 0 ? "0" : shown);
-    for (const char* key : {"Plus", "Minus", "KeypadPlus", "KeypadMinus"}) PressKey(key);
-    EXPECT_EQ(CalValues, before);
-    EXPECT_FALSE(CalChanged);
-    EXPECT_EQ(Shown("Value_Text"), TableWork[6][11] == 0 ? "0" : shown);
-    CloseAll();
-  }
-}
-
-TEST_F(Graph3DTest, TheViewOfVeDoesNotLockOtherTables) {
-  VeView = 2;
-  OpenGraphOf(tables[2]);
-  EXPECT_EQ(Shown("Hint"), adjustable);
-  WalkToCell(3);
-  PressKey("Plus");
-  EXPECT_EQ(CalValues[63], 2.5F);
-}
-
-TEST_F(Graph3DTest, TheAxisWidensAtThirtyOneAndNarrowsAgain) {
-  for (std::size_t cell = 1; cell <= 64; ++cell) CalValues[124 + cell] = 0;
-  CalValues[130] = 0.3F;
-  OpenVe();
-  EXPECT_TRUE(PictureHas("30.00"));
-  EXPECT_FALSE(PictureHas("50.00"));
-  WalkToCell(6);
-  PressKey("Plus");
-  EXPECT_EQ(Shown("Value_Text"), "31.00");
-  EXPECT_TRUE(PictureHas("50.00"));
-  EXPECT_TRUE(PictureHas("-50.00"));
-  EXPECT_FALSE(PictureHas("30.00"));
-  PressKey("Minus");
-  EXPECT_TRUE(PictureHas("30.00"));
-}
-
-TEST_F(Graph3DTest, ThePictureCarriesItsTitlesAndAxisTexts) {
-  OpenVe();
-  for (const char* text :
-       {"Volumetric", "Efficiency", "(% FPW)", "Engine Speed", "(RPM)", "MAP (kPa)"})
-    EXPECT_TRUE(PictureHas(text)) << text;
-}
-
 // ---- leaving, help, hot keys --------------------------------------------------------------------
 
 TEST_F(Graph3DTest, EscAndBackReturnToEachTableOnItsGraphButton) {
-  for (const TableCase& one : tables)
+  for (const TableCase& one : graphTables)
     for (bool byKey : {true, false}) {
       OpenGraphOf(one);
       if (byKey)
@@ -584,7 +296,7 @@ TEST_F(Graph3DTest, ADamagedCalibrationIsDrawnAndWalkedWithoutHarm) {
   const auto healthy = CalValues;
   const float bar = MapBar;
   for (const Damage& damage : damages)
-    for (const TableCase& one : tables)
+    for (const TableCase& one : graphTables)
       for (int view = 0; view < (one.table == TableVe ? 3 : 1); ++view) {
         SCOPED_TRACE(std::string(damage.what) + ", " + one.screen);
         CalValues = healthy;

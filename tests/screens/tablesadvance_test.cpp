@@ -19,10 +19,6 @@ class AdvanceTest : public TableTest {
     TableTest::SetUp();
     OpenTable(IgnAdvTbl());
   }
-  void GoLive() {
-    MonitorMode = 3;
-    Reopen();
-  }
   // The text of the box titled "INPUT ERROR".
   std::string AxisMessage() {
     const ShownBox box = TakeBox();
@@ -51,20 +47,13 @@ constexpr const char* cellMessage = "Data Input Error\n\r  (0 to 60 DEG)";
 
 TEST_F(AdvanceTest, HasItsTitleAndFixedTexts) {
   EXPECT_EQ(Up().title, "IGNITION ADVANCE TABLE");
-  const std::vector<std::pair<const char*, const char*>> captions = {
-      {"KeysLine",
-       "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table."},
-      {"SpeedTitle", "Engine Speed (RPM)"},
-      {"MAP_Label", "(10 to 104 kPa)"},
-      {"HelpLine", "Press F1 For Help"},
-      {"SaveLine", "Must Press Enter to Save New Value"},
-      {"OnflyLine", "ONFLY Values have Yellow Background"},
-      {"Command1", "Main Advance Table &Graph"},
-      {"Command2", "&Coolant Advance"},
-      {"Command4", "&MAP Sensor"},
-      {"Command5", "&Rev Limiter"},
-      {"Command3", "<< Back"}};
-  for (const auto& [control, caption] : captions) EXPECT_EQ(The(control).caption, caption);
+  ExpectCaptions({{"MAP_Label", "(10 to 104 kPa)"},
+                  {"SaveLine", "Must Press Enter to Save New Value"},
+                  {"Command1", "Main Advance Table &Graph"},
+                  {"Command2", "&Coolant Advance"},
+                  {"Command4", "&MAP Sensor"},
+                  {"Command5", "&Rev Limiter"},
+                  {"Command3", "<< Back"}});
 }
 
 TEST_F(AdvanceTest, EightyPositionsHoldAxesAndCells) {

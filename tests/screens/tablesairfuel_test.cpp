@@ -23,19 +23,12 @@ constexpr const char* range = "Data Input Error\n\r  (9.76 to 29.28 AFR)";
 
 TEST_F(AirFuelTest, HasItsTitleAndFixedTexts) {
   EXPECT_EQ(Up().title, "EGO AIR/FUEL RATIO TABLE");
-  const std::vector<std::pair<const char*, const char*>> captions = {
-      {"KeysLine",
-       "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table."},
-      {"SpeedTitle", "Engine Speed (RPM)"},
-      {"MAP_Label", "(10 to 104 kPa)"},
-      {"HelpLine", "Press F1 For Help"},
-      {"SaveLine", "Must Press Enter to Save New Value"},
-      {"OnflyLine", "ONFLY Values have Yellow Background"},
-      {"Command2", "A/F Ratio &Graph"},
-      {"Command3", "EGO &Parameters"},
-      {"Command4", "&Calibrate EGO Sensor"},
-      {"Command1", "<< Back"}};
-  for (const auto& [control, caption] : captions) EXPECT_EQ(The(control).caption, caption);
+  ExpectCaptions({{"MAP_Label", "(10 to 104 kPa)"},
+                  {"SaveLine", "Must Press Enter to Save New Value"},
+                  {"Command2", "A/F Ratio &Graph"},
+                  {"Command3", "EGO &Parameters"},
+                  {"Command4", "&Calibrate EGO Sensor"},
+                  {"Command1", "<< Back"}});
 }
 
 TEST_F(AirFuelTest, CellsAreTheTextOfTheNumber) {
@@ -124,8 +117,7 @@ TEST_F(AirFuelTest, HasNoModesAndNoViews) {
 }
 
 TEST_F(AirFuelTest, ASessionPostsTheEntry) {
-  MonitorMode = 3;
-  Reopen();
+  GoLive();
   EXPECT_EQ(CellColour(10), Yellow);
   EnterCell(10, "14.64");
   EXPECT_EQ(OnflyCalIndex, 354);
@@ -139,8 +131,7 @@ TEST_F(AirFuelTest, ASessionPostsTheEntry) {
 }
 
 TEST_F(AirFuelTest, PostedBytesAreThoseOfTheEncoder) {
-  MonitorMode = 3;
-  Reopen();
+  GoLive();
   for (const char* entry : {"9.76", "10", "12.6", "14.64", "14.7", "20.05", "29.28"}) {
     EnterCell(1, entry);
     const double ratio = static_cast<float>(LeadingNumber(entry));
@@ -157,8 +148,7 @@ TEST_F(AirFuelTest, ASessionSwitchesTheOtherButtonsOff) {
   Reopen();
   for (const char* button : {"Command2", "Command3", "Command4"})
     EXPECT_TRUE(ShownEnabled(Up(), button)) << button;
-  MonitorMode = 3;
-  Reopen();
+  GoLive();
   for (const char* button : {"Command2", "Command3", "Command4"})
     EXPECT_FALSE(ShownEnabled(Up(), button)) << button;
   EXPECT_TRUE(ShownEnabled(Up(), "Command1"));

@@ -70,6 +70,22 @@ void TableTest::Reopen() {
   OpenTable(Edited());
 }
 
+void TableTest::GoLive() {
+  MonitorMode = 3;
+  Reopen();
+}
+
+void TableTest::ExpectCaptions(std::vector<std::pair<const char*, const char*>> own) {
+  own.insert(
+      own.end(),
+      {{"KeysLine",
+        "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table."},
+       {"SpeedTitle", "Engine Speed (RPM)"},
+       {"HelpLine", "Press F1 For Help"},
+       {"OnflyLine", "ONFLY Values have Yellow Background"}});
+  for (const auto& [control, caption] : own) EXPECT_EQ(The(control).caption, caption);
+}
+
 std::string TableTest::At(int position) {
   return TableOf(Edited()).rules.cells + "(" + std::to_string(position) + ")";
 }

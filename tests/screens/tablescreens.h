@@ -18,6 +18,10 @@ class TableTest : public EditorTest {
   // Opens a table; CalChanged is cleared. Again after it has been left.
   void OpenTable(Editor& editor);
   void Reopen();
+  // The same in a session of the digital monitor.
+  void GoLive();
+  // Captions of the table's own controls, and of those that stand on every table.
+  void ExpectCaptions(std::vector<std::pair<const char*, const char*>> own);
   // The control of a position.
   std::string At(int position);
   std::string CellText(int position) { return Text(At(position)); }

@@ -14,10 +14,6 @@ class GpoTableTest : public TableTest {
     TableTest::SetUp();
     OpenTable(GpoCtl());
   }
-  void GoLive() {
-    MonitorMode = 3;
-    Reopen();
-  }
   int Index() { return The("Combo1").listIndex; }
   void FocusList() {
     PressKey("Alt+F");
@@ -31,19 +27,12 @@ class GpoTableTest : public TableTest {
 
 TEST_F(GpoTableTest, HasItsTitleAndFixedTexts) {
   EXPECT_EQ(Up().title, "GPO PARAMETERS");
-  const std::vector<std::pair<const char*, const char*>> captions = {
-      {"KeysLine",
-       "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table."},
-      {"FrequencyLine", "Use Mouse or Up and Down Arrow Keys to Change GPO Frequency"},
-      {"Combo1_Label", "GPO &Frequency:"},
-      {"SpeedTitle", "Engine Speed (RPM)"},
-      {"MAP_Label", "(10 to 104 kPa)"},
-      {"HelpLine", "Press F1 For Help"},
-      {"SaveLine", "Must Press Enter to Save New Value"},
-      {"OnflyLine", "ONFLY Values have Yellow Background"},
-      {"Command1", " GPO Table   &Graph"},
-      {"Command2", "<< Back"}};
-  for (const auto& [control, caption] : captions) EXPECT_EQ(The(control).caption, caption);
+  ExpectCaptions({{"FrequencyLine", "Use Mouse or Up and Down Arrow Keys to Change GPO Frequency"},
+                  {"Combo1_Label", "GPO &Frequency:"},
+                  {"MAP_Label", "(10 to 104 kPa)"},
+                  {"SaveLine", "Must Press Enter to Save New Value"},
+                  {"Command1", " GPO Table   &Graph"},
+                  {"Command2", "<< Back"}});
   EXPECT_EQ(The("Combo1").items,
             (std::vector<std::string>{"16Hz", "24Hz", "31Hz", "61Hz", "122Hz", "244Hz"}));
 }

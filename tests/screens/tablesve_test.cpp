@@ -14,10 +14,6 @@ class VeTableTest : public TableTest {
     TableTest::SetUp();
     OpenTable(FrmVETable());
   }
-  void GoLive() {
-    MonitorMode = 3;
-    Reopen();
-  }
 };
 
 constexpr const char* rangeOffset = "Data Input Error\n\r  (-50% to 50% FPW)";
@@ -30,19 +26,12 @@ constexpr const char* unavailable = "This Process is Unavailable while ONFLY Mon
 
 TEST_F(VeTableTest, HasItsTitleAndFixedTexts) {
   EXPECT_EQ(Up().title, "VOLUMETRIC EFFICIENCY TABLE");
-  const std::vector<std::pair<const char*, const char*>> captions = {
-      {"KeysLine",
-       "Press F3 to Edit Rows      Press F4 to Edit Columns   Type ALT-S to Edit Full Table."},
-      {"ThirdLine", "F2 Switches from OFFSET to ABSOLUTE GAMA"},
-      {"ViewLine", "F5 switches from VE (% FPW) to PW (ms) to Duty Cycle (%)"},
-      {"SpeedTitle", "Engine Speed (RPM)"},
-      {"ValueTitle", "Volumetric Efficiency "},
-      {"HelpLine", "Press F1 For Help"},
-      {"SaveLine", "Must Press Enter to Save New Values"},
-      {"OnflyLine", "ONFLY Values have Yellow Background"},
-      {"VEGraph", "VE Table &Graph"},
-      {"Command1", "<< Back"}};
-  for (const auto& [control, caption] : captions) EXPECT_EQ(The(control).caption, caption);
+  ExpectCaptions({{"ThirdLine", "F2 Switches from OFFSET to ABSOLUTE GAMA"},
+                  {"ViewLine", "F5 switches from VE (% FPW) to PW (ms) to Duty Cycle (%)"},
+                  {"ValueTitle", "Volumetric Efficiency "},
+                  {"SaveLine", "Must Press Enter to Save New Values"},
+                  {"VEGraph", "VE Table &Graph"},
+                  {"Command1", "<< Back"}});
 }
 
 TEST_F(VeTableTest, AxisCaptionsShowTheBreakpoints) {

@@ -2,6 +2,7 @@
 #include "screens/testeditor.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "core/globalstate.h"
@@ -14,101 +15,60 @@ namespace {
 double Twice(double stored) { return stored * 2; }
 double Half(double entry) { return entry / 2; }
 
-// One field of each kind: plain, masked, whole, signed, scaled, ONFLY, and one that keeps the
-// focus.
+EditorField Row(int number, const std::string& control, const char* caption, int calIndex,
+                Bound low, Bound high, Words rangeText) {
+  return {.number = number,
+          .control = control,
+          .label = control + "Label",
+          .caption = caption,
+          .calIndex = calIndex,
+          .low = low,
+          .high = high,
+          .rangeText = rangeText};
+}
+
+// One field of each kind: plain, masked, whole, signed, scaled, ONFLY, and those that do something
+// else when they refuse.
 std::vector<EditorField> Fields() {
-  return {
-      {.number = 1,
-       .control = "Plain",
-       .label = "PlainLabel",
-       .caption = "&Plain =",
-       .calIndex = 10,
-       .low = 0,
-       .high = 100,
-       .rangeText = "  (0 to 100 Units)",
-       .refused = [](Editor&, const EditorField&) { ++notes.refusals; },
-       .leaving = [](Editor&, const EditorField&) { ++notes.leaves; }},
-      {.number = 2,
-       .control = "Masked",
-       .label = "MaskedLabel",
-       .caption = "&Masked =",
-       .calIndex = 11,
-       .mask = "##.00",
-       .low = 0.25,
-       .high = 10,
-       .rangeText = "  (0.25 to 10 Deg)"},
-      {.number = 3,
-       .control = "Whole",
-       .label = "WholeLabel",
-       .caption = "&Whole =",
-       .calIndex = 12,
-       .wholeNumber = true,
-       .low = 0,
-       .high = 250,
-       .rangeText = "  (0 to 250% FPW)",
-       .toStored = [](double entry) { return entry / 100; },
-       .toShown = [](double stored) { return stored * 100; }},
-      {.number = 4,
-       .control = "Signed",
-       .label = "SignedLabel",
-       .caption = "&Signed =",
-       .calIndex = 13,
-       .takesMinus = true,
-       .low = -30,
-       .high = 80,
-       .rangeText = "  (-30 to 80C)"},
-      {.number = 5,
-       .control = "Onfly",
-       .label = "OnflyLabel",
-       .caption = "&Onfly =",
-       .calIndex = 37,
-       .low = 2,
-       .high = 100,
-       .rangeText = "  (2 to 100 Units)",
-       .imageByte = 21},
-      {.number = 6,
-       .control = "Keeps",
-       .label = "KeepsLabel",
-       .caption = "&Keeps =",
-       .calIndex = 15,
-       .low = [] { return MapBar * 10.0; },
-       .high = [] { return MapBar * 104.0; },
-       .rangeText = [] { return "  (" + NumberText(MapBar * 10) + " kPa)"; },
-       .afterRefusal = AfterRefusal::HoldFocus},
-      {.number = 7,
-       .control = "Message",
-       .label = "MessageLabel",
-       .caption = "M&essage =",
-       .calIndex = 16,
-       .low = 0,
-       .high = 5,
-       .rangeText = "  (0 to 5 Volts)",
-       .afterRefusal = AfterRefusal::MessageOnly},
-      {.number = 8,
-       .control = "Scaled",
-       .label = "ScaledLabel",
-       .caption = "S&caled =",
-       .calIndex = 410,
-       .low = 20,
-       .high = 208,
-       .rangeText = "  (20 to 208 kPa)",
-       .toStored = Half,
-       .toShown = Twice,
-       .imageByte = 418},
-      {.number = 9,
-       .control = "Checked",
-       .label = "CheckedLabel",
-       .caption = "C&hecked =",
-       .calIndex = 413,
-       .low = 2,
-       .high = 64,
-       .rangeText = "  (2 to 64)",
-       .afterRefusal = AfterRefusal::GotFocusAgain,
-       .check = [](Editor&, const EditorField&, double entry) -> std::optional<std::string> {
-         if (entry == 4) return std::nullopt;
-         return "Data Input Error\n\r(Divisor Must be 4)";
-       }},
+  EditorField plain = Row(1, "Plain", "&Plain =", 10, 0, 100, "  (0 to 100 Units)");
+  plain.refused = [](Editor&, const EditorField&) { ++notes.refusals; };
+  plain.leaving = [](Editor&, const EditorField&) { ++notes.leaves; };
+
+  EditorField masked = Row(2, "Masked", "&Masked =", 11, 0.25, 10, "  (0.25 to 10 Deg)");
+  masked.mask = "##.00";
+
+  EditorField whole = Row(3, "Whole", "&Whole =", 12, 0, 250, "  (0 to 250% FPW)");
+  whole.wholeNumber = true;
+  whole.toStored = [](double entry) { return entry / 100; };
+  whole.toShown = [](double stored) { return stored * 100; };
+
+  EditorField withSign = Row(4, "Signed", "&Signed =", 13, -30, 80, "  (-30 to 80C)");
+  withSign.takesMinus = true;
+
+  EditorField onfly = Row(5, "Onfly", "&Onfly =", 37, 2, 100, "  (2 to 100 Units)");
+  onfly.imageByte = 21;
+
+  EditorField keeps = Row(
+      6, "Keeps", "&Keeps =", 15, [] { return MapBar * 10.0; }, [] { return MapBar * 104.0; },
+      [] { return "  (" + NumberText(MapBar * 10) + " kPa)"; });
+  keeps.afterRefusal = AfterRefusal::HoldFocus;
+
+  EditorField message = Row(7, "Message", "M&essage =", 16, 0, 5, "  (0 to 5 Volts)");
+  message.afterRefusal = AfterRefusal::MessageOnly;
+
+  EditorField scaled = Row(8, "Scaled", "S&caled =", 410, 20, 208, "  (20 to 208 kPa)");
+  scaled.toStored = Half;
+  scaled.toShown = Twice;
+  scaled.imageByte = 418;
+
+  EditorField checked = Row(9, "Checked", "C&hecked =", 413, 2, 64, "  (2 to 64)");
+  checked.afterRefusal = AfterRefusal::GotFocusAgain;
+  checked.check = [](Editor&, const EditorField&, double entry) -> std::optional<std::string> {
+    if (entry == 4) return std::nullopt;
+    return "Data Input Error\n\r(Divisor Must be 4)";
   };
+
+  return {plain, masked, whole, withSign, onfly, keeps, message, scaled, checked};
 }
 
 Editor MakeTestEditor() {
