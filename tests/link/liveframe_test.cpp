@@ -369,6 +369,14 @@ TEST_F(FiringTest, IntervalStretchesTheTime) {
   EXPECT_DOUBLE_EQ(Live.eventMs, 2 * eventMs);
 }
 
+TEST_F(FiringTest, IntervalBetweenOneAndTwoStretchesToo) {
+  CalValues[233] = 1.5F;
+  for (FrameReader reader : {FrameReader::Monitor, FrameReader::Logger}) {
+    Decode(reader);
+    EXPECT_DOUBLE_EQ(Live.eventMs, 1.5 * eventMs);
+  }
+}
+
 TEST_F(FiringTest, At300RevolutionsAndBelowNothingFires) {
   SetSpeed(202);  // 299.6
   Decode();
@@ -450,9 +458,12 @@ TEST_F(LiveFrameTest, EverySecondReadingGivesTheMeanOfItsPair) {
 TEST_F(LiveFrameTest, DecodesTheReplyThatStandsInTheBuffer) {
   RxBuffer.assign(27, 0);
   RxBuffer[2] = 85;
-  RxBuffer.push_back(99);
   DecodeFrame(FrameReader::Monitor);
   EXPECT_EQ(Live[LiveField::Adv], 20);
+  RxBuffer[2] = 170;
+  RxBuffer.push_back(99);
+  DecodeFrame(FrameReader::Monitor);
+  EXPECT_EQ(Live[LiveField::Adv], 40) << "a byte too many is passed over";
   RxBuffer.clear();
 }
 

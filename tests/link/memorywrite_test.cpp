@@ -158,6 +158,28 @@ TEST_F(WriteTest, EachRetryWaitsItsOwnLimit) {
   EXPECT_NEAR(static_cast<double>(times[3] - times[2]), 10000.0 * PassMicroseconds, 100);
 }
 
+// What was counted when each part is sent for the second time.
+TEST_F(WriteTest, EachRetryFindsTheCounterAtItsLimit) {
+  int openings = 0, records = 0, ends = 0;
+  std::vector<float> counted;
+  DeviceNamed("COM1")->written = [&](std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+    int* sent = bytes.size() > 1  ? &records
+                : bytes[0] == 'P' ? &openings
+                : bytes[0] == 'S' ? &ends
+                                  : nullptr;
+    if (sent && ++*sent == 2) counted.push_back(WaitCount);
+    if (openings == 2 && bytes[0] == '2') DeliverAt("COM1", nowUs + 1, {'A', 'X'});
+    if (sent == &records && records == 2) DeliverAt("COM1", nowUs + 1, {'P', 'N'});
+    if (ends == 2) MonitorStop = 1;
+  };
+  EXPECT_EQ(Write(16, 1), 1);
+  ASSERT_EQ(counted.size(), 3u);
+  EXPECT_GE(counted[0], 32767);
+  EXPECT_LT(counted[0], 32767.2F);
+  EXPECT_EQ(counted[1], 10000);
+  EXPECT_EQ(counted[2], 32767);
+}
+
 TEST_F(WriteTest, LeavingEndsEveryRetryWithoutAScreen) {
   const std::vector<Scripted> scripts[] = {{}, {{2, "AX"}}, {{2, "AX"}, {12, "PN"}}};
   for (const auto& script : scripts)
