@@ -70,6 +70,15 @@ TEST_F(PortTest, DiscardForgetsWhatHasComeAndNotWhatIsStillOnTheWire) {
   EXPECT_EQ(received, (Bytes{2}));
 }
 
+TEST_F(PortTest, DiscardForgetsAlsoWhatTheDeviceDeliversWhenItIsTold) {
+  PortHandle port = Open();
+  DeviceNamed("COM1")->discarding = [] { DeliverAt("COM1", NowUs(), {3}); };
+  DiscardInput(port);
+  DeviceNamed("COM1")->discarding = {};
+  AdvanceMs(10);
+  EXPECT_EQ(received, Bytes{});
+}
+
 TEST_F(PortTest, BytesForAClosedPortAreLost) {
   PortHandle port = Open();
   DeliverAt("COM1", 100, {1});

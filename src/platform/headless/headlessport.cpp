@@ -146,9 +146,10 @@ bool WritePort(PortHandle port, std::span<const std::uint8_t> bytes) {
 void DiscardInput(PortHandle port) {
   auto found = lines.find(port);
   if (found == lines.end()) return;
+  const std::string device = found->second.device;
+  if (FakeDevice* record = DeviceNamed(device); record && record->discarding) record->discarding();
   for (auto& delivery : deliveries)
-    if (delivery->device == found->second.device && delivery->timeUs <= NowUs())
-      delivery->forgotten = true;
+    if (delivery->device == device && delivery->timeUs <= NowUs()) delivery->forgotten = true;
 }
 
 void ClosePort(PortHandle port) {

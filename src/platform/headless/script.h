@@ -54,6 +54,8 @@ struct FakeDevice {
   bool gone = false;    // unplugged: writes fail, and an open port is told
   // What the device does with bytes that were written to it; it answers with DeliverAt.
   std::function<void(std::span<const std::uint8_t> bytes, std::int64_t nowUs)> written;
+  // What it has sent until now is about to be forgotten: time to deliver it.
+  std::function<void()> discarding;
   std::function<void()> opened;
   std::function<void()> closed;
 };

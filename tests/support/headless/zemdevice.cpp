@@ -21,6 +21,8 @@ void ZemDevice::Connect() {
     for (std::uint8_t byte : bytes) zem.Receive(byte, nowUs);
     PlanPump();
   };
+  // A pause of the program moves the clock without a turn of the queue.
+  device.discarding = [this] { Pump(); };
   AddDevice(Name, std::move(device));
 }
 
