@@ -50,7 +50,13 @@ void Raise(int commEvent) {
   MSComm1_OnComm();
 }
 
+void NoteTime(HeardTimes& times) {
+  times.lastUs = MonotonicMicroseconds();
+  if (times.arrivals++ == 0) times.firstUs = times.lastUs;
+}
+
 void TakeArrival(std::span<const std::uint8_t> bytes) {
+  NoteTime(MSComm1.times);
   const std::size_t room = InputBufferSize - std::min(InputBufferSize, MSComm1.unread.size());
   const auto fitting = bytes.first(std::min(room, bytes.size()));
   MSComm1.unread.insert(MSComm1.unread.end(), fitting.begin(), fitting.end());
@@ -87,6 +93,7 @@ bool SerialControl::Open() {
   gone = false;
   unread.clear();
   heard.clear();
+  times = {.sentUs = MonotonicMicroseconds()};
   return true;
 }
 
@@ -101,6 +108,7 @@ void SerialControl::Close() {
 
 void SerialControl::Output(std::string_view bytes) {
   heard.clear();
+  times = {.sentUs = MonotonicMicroseconds()};
   if (!PortOpen || gone) return;
   const std::vector<std::uint8_t> raw(bytes.begin(), bytes.end());
   if (!WritePort(port, raw)) NoteGone("The serial port does not take any more data.");
@@ -117,6 +125,11 @@ std::vector<std::uint8_t> SerialControl::Input() {
   std::vector<std::uint8_t> taken(unread.begin(), end);
   unread.erase(unread.begin(), end);
   return taken;
+}
+
+void SerialControl::DropInput() {
+  unread.clear();
+  if (PortOpen && !gone) DiscardInput(port);
 }
 
 std::string CommEventText(int commEvent) {

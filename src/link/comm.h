@@ -15,6 +15,14 @@
 
 // ---- the serial control -------------------------------------------------------------------------
 
+// When the bytes came that were heard since the last Output. In microseconds of the clock.
+struct HeardTimes {
+  std::int64_t sentUs = 0;  // the Output
+  std::int64_t firstUs = 0;
+  std::int64_t lastUs = 0;
+  int arrivals = 0;  // chunks in which they came
+};
+
 // A serial port that tells of bytes once a threshold is reached, in binary input. A chunk of bytes
 // that comes is one arrival: it raises the receive event when the number of unread bytes is at the
 // threshold or above, and bytes left over wait for the next arrival.
@@ -35,12 +43,15 @@ struct SerialControl {
   void OutputByte(int byte);
   // Takes up to InputLen unread bytes; meant for the receive event.
   std::vector<std::uint8_t> Input();
+  // Forgets what is unread, also what has come and was not told yet.
+  void DropInput();
 
   // Kept by the control.
   PortHandle port = 0;
   bool gone = false;                // the device went while the port was open
   std::deque<std::uint8_t> unread;  // never more than InputBufferSize
   std::vector<std::uint8_t> heard;  // all that came since the last Output, read or not
+  HeardTimes times;                 // of `heard`
 };
 
 inline constexpr std::size_t InputBufferSize = 1024;

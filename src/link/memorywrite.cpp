@@ -29,13 +29,34 @@ constexpr float faultEnd = 13;
 
 enum class Write { Accepted, Refused, InvalidProm, Left };
 
-// Sends again and again until an answer comes; false when the loop must end.
-bool SendUntilAnswered(const std::function<void()>& send, const WaitRule& rule) {
-  do {
+bool RepliedWith(char first, char second) { return RxByte(0) == first && RxByte(1) == second; }
+
+// A command that was sent more than once is answered more than once. The unit answers in turn: all
+// of these come before the answer to the next command, and must not be taken for it.
+struct LateAnswers {
+  char first = 0;
+  char second = 0;
+  int count = 0;  // at most
+};
+
+// Takes them off RxBuffer; whether something else is there.
+bool MoreThan(LateAnswers& late) {
+  while (late.count > 0 && RxBuffer.size() >= 2 && RepliedWith(late.first, late.second)) {
+    --late.count;
+    RxBuffer.erase(RxBuffer.begin(), RxBuffer.begin() + 2);
+  }
+  return !RxBuffer.empty();
+}
+
+// Sends again and again until an answer comes. Result: how often; 0 when the loop must end.
+int SendUntilAnswered(const std::function<void()>& send, const WaitRule& rule,
+                      LateAnswers late = {}) {
+  for (int times = 1;; ++times) {
     send();
-    if (PollingWait(rule, LoopMustEnd) == WaitEnd::Reply) return true;
-  } while (!LoopMustEnd());
-  return false;
+    while (PollingWait(rule, LoopMustEnd) == WaitEnd::Reply)
+      if (MoreThan(late)) return times;
+    if (LoopMustEnd()) return 0;
+  }
 }
 
 void SendOpening() {
@@ -44,6 +65,7 @@ void SendOpening() {
   RxBuffer.clear();
   MSComm1.Output("P");
   Pause(PauseInCommand);
+  MSComm1.DropInput();
   MSComm1.Output("2");
   Yield();
   Pause(PauseInCommand);
@@ -61,23 +83,25 @@ void SendEndRecord() {
   Yield();
 }
 
-bool RepliedWith(char first, char second) { return RxByte(0) == first && RxByte(1) == second; }
-
 Write Refuse(float fault) {
   OnflyFault = fault;
   return Write::Refused;
 }
 
 Write WriteRecord(const std::string& record) {
-  if (!SendUntilAnswered(SendOpening, waitForOpening)) return Write::Left;
+  const int openings = SendUntilAnswered(SendOpening, waitForOpening);
+  if (openings == 0) return Write::Left;
   if (RxByte(0) != 'A') return Refuse(faultOpening);
   if (RxByte(1) != 'X') {
     OnflyFault = faultEnd;
     return Write::InvalidProm;
   }
-  if (!SendUntilAnswered([&] { SendRecord(record); }, waitForRecord)) return Write::Left;
+  const int records =
+      SendUntilAnswered([&] { SendRecord(record); }, waitForRecord, {'A', 'X', openings - 1});
+  if (records == 0) return Write::Left;
   if (!RepliedWith('P', 'N')) return Refuse(faultRecord);
-  if (!SendUntilAnswered(SendEndRecord, waitForEnd)) return Write::Left;
+  if (SendUntilAnswered(SendEndRecord, waitForEnd, {'P', 'N', records - 1}) == 0)
+    return Write::Left;
   if (!RepliedWith('P', 'C')) return Refuse(faultEnd);
   return Write::Accepted;
 }

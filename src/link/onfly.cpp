@@ -54,11 +54,13 @@ namespace {
 
 enum class Reply { Accepted, Refused, InvalidProm };
 
+// The answer begins behind the value: what has come by then is late, and would be taken for it.
 void SendR(char code, int value) {
   MSComm1.Output("R");
   Pause(PauseInCommand);
   MSComm1.Output(std::string_view(&code, 1));
   Pause(PauseInCommand);
+  MSComm1.DropInput();
   MSComm1.OutputByte(value);
 }
 
@@ -301,7 +303,7 @@ bool SendOpeningOffsets() {
 
 // What came late to a command before must not stand in front of the read-back, whose bytes count by
 // their places: every try would find it shifted by as much.
-void DropLateAnswers() { MSComm1.unread.clear(); }
+void DropLateAnswers() { MSComm1.DropInput(); }
 
 bool TryOpening(const OnflySession& session) {
   constexpr WaitRule waitAfterClear{32721, 1, WaitTest::Equal};

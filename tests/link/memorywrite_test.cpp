@@ -145,6 +145,15 @@ TEST_F(WriteTest, SilentUnitIsAskedAgainUntilItAnswers) {
   EXPECT_EQ(Sent(), "P2P2P2" + record + record + record + "S9030000FCS9030000FC");
 }
 
+TEST_F(WriteTest, RepeatedRecordIsAnsweredAsOftenAsItWasSent) {
+  AnswerInTurn({{2, "AX"}, {24, "PN"}, {10, "PN"}, {10, "PC"}});
+  EXPECT_EQ(Write(16, 1), 0) << "the second answer comes behind the end record";
+  AnswerInTurn({{2, "AX"}, {24, "PN"}, {10, "PNPN"}});
+  EXPECT_EQ(Write(16, 1), 1) << "but not a third";
+  EXPECT_EQ(OnflyFault, 13);
+  ExpectRefusedScreen();
+}
+
 TEST_F(WriteTest, EachRetryWaitsItsOwnLimit) {
   std::vector<std::int64_t> times;
   DeviceNamed("COM1")->written = [&](std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
@@ -276,6 +285,25 @@ TEST_F(TransferTest, RefusedWriteStoresNothing) {
   EXPECT_NE(device->zem.Memory()[2], 77);
   EXPECT_TRUE(frmerr.loaded);
   UnloadScreen(frmerr);
+}
+
+// The unit is so late that each of these is sent a second time, and answered twice.
+TEST_F(TransferTest, SecondAnswerToARepeatedCommandIsNotTakenForTheNext) {
+  for (const char* fault : {"slow:9900:1@P2", "slow:400:1@S1", "slow:1100:1@S9"}) {
+    device->Fail(fault);
+    ++BinImage[2];
+    PostWrite(2, 1.25, 2, 1);
+    EXPECT_EQ(TransferPostedWrite(), Transfer::Stored) << fault;
+    EXPECT_EQ(device->zem.Memory()[2], BinImage[2]) << fault;
+    EXPECT_FALSE(frmerr.loaded) << fault;
+    AdvanceMs(10);
+  }
+}
+
+TEST_F(TransferTest, AnswerOfBeforeThatCameDuringTheOpeningIsNotTakenForItsOwn) {
+  DeliverAt("COM1", NowUs() + 3000, {'P', 'C'});
+  PostWrite(2, 1.25, 2, 1);
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Stored);
 }
 
 TEST_F(TransferTest, LaterEntryReplacesAPostedOne) {
