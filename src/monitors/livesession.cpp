@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/globalstate.h"
+#include "link/linetime.h"
 #include "link/liveframe.h"
 #include "link/onfly.h"
 #include "link/postedwrite.h"
@@ -32,7 +33,9 @@ struct LiveRun {
   bool frameHeld = false;  // decoded, not shown yet
   bool shownOpen = false;  // the figures show open loop
   std::int64_t shownUs = 0;
-  std::int64_t quietUs = 0;  // the line was seen quiet
+  bool onWire = false;         // the last frame took the time of a wire
+  bool inLumps = false;        // and came as an adapter gathers bytes
+  std::int64_t inPlaceUs = 0;  // nothing was on the line before the answer
   PairMean speeds;
   FramePair pair;
 };
@@ -58,8 +61,15 @@ void Show() {
   run.monitor->show();
 }
 
+// On a wire the answer to "F" takes two byte times to begin; painting has the rest of the frame's
+// time, so that it is seen when the first byte comes.
+bool TimeToPaint() {
+  const bool listening = run.onWire && MSComm1.heard.empty();
+  return !listening || MonotonicMicroseconds() - MSComm1.times.sentUs > 3 * ByteMicroseconds;
+}
+
 void ShowHeldFrame() {
-  if (!run.frameHeld || !ScreenUp()) return;
+  if (!run.frameHeld || !ScreenUp() || !TimeToPaint()) return;
   if (run.shownUs == 0 || MonotonicMicroseconds() - run.shownUs >= showEveryUs) Show();
 }
 
@@ -88,7 +98,7 @@ enum class Step { Go, Stop, Failed };
 
 // Between two exchanges nothing may be unread: a byte that came late would stand in front of the
 // next frame, and shift every frame after it.
-void DropLateBytes() { MSComm1.unread.clear(); }
+void DropLateBytes() { MSComm1.DropInput(); }
 
 // A kill that waits behind a command goes out before the session is given up. None is left for a
 // later session, whose engine the user wants to run.
@@ -118,7 +128,7 @@ void RequestFrame() {
 // An answer that is still on its way would stand in front of the answer to the next command, also
 // that of whoever opens the port next. Waits until the line is quiet again.
 void WaitForQuietLine() {
-  constexpr std::int64_t quietUs = 5'000;
+  const std::int64_t quietUs = run.inLumps ? 20'000 : 5'000;
   constexpr std::int64_t longestUs = 60'000;  // the longest answer, and the unit's own time
   const std::int64_t begunUs = MonotonicMicroseconds();
   std::int64_t lastByteUs = begunUs;
@@ -133,21 +143,44 @@ void WaitForQuietLine() {
 }
 
 // A byte too many in one answer is on its way while the next frame is asked for already, and takes
-// the first place in every frame after it. A pause that is too short to be seen ends that.
+// the first place in every frame after it. Where times do not tell, a pause that is too short to be
+// seen ends that.
 void KeepFramesInPlace() {
   constexpr std::int64_t everyUs = 2'000'000;
   const std::int64_t now = MonotonicMicroseconds();
-  if (now - run.quietUs < everyUs || MSComm1.heard.empty()) return;
-  run.quietUs = now;
+  if (now - run.inPlaceUs < everyUs || MSComm1.heard.empty()) return;
+  run.inPlaceUs = now;
   WaitForQuietLine();
 }
 
+// Whether the answer stands in its place in RxBuffer, as far as times tell.
+bool FrameInPlace() {
+  if (BeganTooSoon(MSComm1)) return false;
+  run.onWire = CameByWire(MSComm1);
+  run.inLumps = run.onWire && CameInLumps(MSComm1);
+  if (run.onWire && !run.inLumps) run.inPlaceUs = MSComm1.times.firstUs;
+  return true;
+}
+
+bool FrameWaitEnds() {
+  ShowHeldFrame();
+  return LoopMustEnd();
+}
+
+// A frame behind bytes of the answer before is asked for again when the line is quiet. When it has
+// such bytes in front of it once more, it counts as one that did not come.
 Step ReceiveFrame() {
+  bool shifted = false;
   for (;;) {
     RequestFrame();
-    const WaitEnd end = PollingWait(run.monitor->frameWait, LoopMustEnd);
+    const WaitEnd end = PollingWait(run.monitor->frameWait, FrameWaitEnds);
     if (Stopped()) return Step::Stop;
-    if (end == WaitEnd::Reply) return Step::Go;
+    if (end == WaitEnd::Reply) {
+      if (FrameInPlace()) return Step::Go;
+      WaitForQuietLine();
+      if (Stopped()) return Step::Stop;
+      if (!std::exchange(shifted, true)) continue;
+    }
     if (LinkLost()) return Step::Failed;
     if (++run.timeOuts < timeOutsAtMost) continue;
     WaitCount = 0;
@@ -193,7 +226,8 @@ void BeginSession() {
   run.session = {};
   run.timeOuts = 0;
   run.framesTaken = 0;
-  run.quietUs = MonotonicMicroseconds();
+  run.inPlaceUs = MonotonicMicroseconds();
+  run.onWire = run.inLumps = false;
   run.frameHeld = false;
   run.speeds = {};
   run.pair = {};

@@ -285,6 +285,94 @@ TEST_F(LiveSession, LateBytesNeverShiftTheFramesThatFollow) {
   EXPECT_EQ(Live.frame, unit.frame);
 }
 
+// An adapter hands bytes on every 16 ms, so that their times do not tell a byte that is left from a
+// shifted frame. A short pause now and again does.
+TEST_F(LiveSession, BehindAnAdapterFramesStandInTheirPlacesAgainAfterTwoSeconds) {
+  SilentTo("F");
+  std::vector<std::uint8_t> gathered;
+  auto handOn = [&](std::size_t most) {
+    const auto end =
+        gathered.begin() + static_cast<std::ptrdiff_t>(std::min(most, gathered.size()));
+    if (end != gathered.begin()) DeliverAt("COM1", NowUs(), {gathered.begin(), end});
+    gathered.erase(gathered.begin(), end);
+  };
+  unit.onFrame = [&] {
+    if (unit.frames == 3) gathered.push_back(9);
+    gathered.insert(gathered.end(), unit.frame.begin(), unit.frame.end());
+    AfterMs(16, [&] { handOn(15); });
+    AfterMs(32, [&] { handOn(12); });
+    AfterMs(48, [&, frame = unit.frames] {
+      if (frame == unit.frames) handOn(1);
+    });
+  };
+  unit.frame[26] = 7;
+  int atOneSecond = 0;
+  AfterMs(1000, [&] { atOneSecond = Live.frame[0]; });
+  AfterMs(2700, [] { StopLive(); });
+  Run();
+  EXPECT_EQ(atOneSecond, 7) << "the last byte of the frame before stands first";
+  EXPECT_EQ(Live.frame, unit.frame);
+}
+
+TEST_F(LiveSession, LineThatIsNoWireIsNeverWaitedForInVain) {
+  AfterMs(1900, [] { StopLive(); });
+  Run();
+  EXPECT_GT(unit.frames, 30'000);  // a pass or two each
+}
+
+// Somebody else's bytes in front of every answer: no frame can be believed.
+TEST_F(LiveSession, FramesThatAlwaysBeginTooSoonEndLikeThoseThatNeverCome) {
+  SilentTo("F");
+  unit.onFrame = [&] {
+    for (int i = 0; i < 30; ++i) DeliverAt("COM1", NowUs() + 500 + 1042 * i, {9});
+  };
+  AnswerFailure({cancel});
+  Run();
+  EXPECT_EQ(unit.frames, 11) << "the first is asked for again, ten count";
+  EXPECT_EQ(captions, Titles{"Halvane2  -  COM ERROR  0"});
+  EXPECT_EQ(Live.frame, LiveFrame{});
+  ExpectReleased();
+}
+
+// ---- what is shown, and when --------------------------------------------------------------------
+
+// The unit answers in no time, so frames are held back between two pictures; when it falls silent,
+// the last one is shown all the same.
+TEST_F(LiveSession, HeldFrameIsShownWhenTheNextDoesNotCome) {
+  std::int64_t silentUs = 0;
+  unit.mute = [&](std::string_view command) {
+    if (command != "F" || unit.frames < 40) return false;
+    if (silentUs == 0) {
+      silentUs = NowUs();
+      AfterMs(17, [&] {
+        EXPECT_EQ(Seen("Adv"), "20.0");
+        StopLive();
+      });
+    }
+    return true;
+  };
+  AfterFrames(38, [this] { unit.frame[2] = 85; });
+  Run();
+  EXPECT_GT(silentUs, 0);
+}
+
+TEST_F(LiveSession, OnAWireTheFigureIsShownAsTheNextAnswerBegins) {
+  SilentTo("F");
+  std::int64_t askedUs = 0;
+  unit.onFrame = [&] {
+    askedUs = NowUs();
+    unit.frame[2] = static_cast<std::uint8_t>(unit.frames);
+    for (std::size_t i = 0; i < 27; ++i)
+      DeliverAt("COM1", NowUs() + 1042 * static_cast<std::int64_t>(i + 2), {unit.frame[i]});
+    if (unit.frames < 5) return;
+    const std::string shown = Seen("Adv");
+    AfterMs(2.0, [shown] { EXPECT_EQ(Seen("Adv"), shown); });
+    AfterMs(2.2, [shown] { EXPECT_NE(Seen("Adv"), shown); });
+  };
+  AfterFrames(9, [] { AfterMs(5, [] { StopLive(); }); });
+  Run();
+}
+
 // ---- ways out -----------------------------------------------------------------------------------
 
 TEST_F(LiveSession, EscEndsEveryWaitAtOnce) {
