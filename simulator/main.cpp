@@ -145,14 +145,19 @@ void SendBytes(Simulator& s) {
   if (s.pty && !due.empty()) s.pty->Write(due);
 }
 
-// Sleeps until a byte comes, a byte is due, or it is time to look at control file and engine.
+// Sleeps until a byte comes, a byte is due, or it is time to look at control file and engine. A
+// process is woken some tens of microseconds late. That does not add up within an answer, whose
+// times are fixed, but the last byte must not be late, or the next command is: the end of its time
+// is waited for awake.
 void Wait(Simulator& s) {
   constexpr std::int64_t ControlUs = 50'000;
   constexpr std::int64_t EngineUs = 500'000;
+  constexpr std::int64_t AwakeUs = 100;
   const std::int64_t now = s.NowUs();
   std::int64_t sleepUs = s.control ? ControlUs : EngineUs;
   const std::optional<std::int64_t> next = s.zem.NextEventUs();
-  if (next) sleepUs = std::clamp<std::int64_t>(*next - now, 0, sleepUs);
+  const std::int64_t awakeUs = s.zem.BytesUnderWay() == 1 ? AwakeUs : 0;
+  if (next) sleepUs = std::clamp<std::int64_t>(*next - awakeUs - now, 0, sleepUs);
   if (!next) s.log.EndLine();
   const timespec timeout{.tv_sec = static_cast<time_t>(sleepUs / 1'000'000),
                          .tv_nsec = static_cast<long>(sleepUs % 1'000'000 * 1000)};

@@ -3,6 +3,7 @@
 // bytes that have arrived at the other end. The same calls at the same times give the same bytes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -39,6 +40,9 @@ class Zem {
   // nothing when all is quiet. The engine asks for no event: it catches up whenever it is looked
   // at.
   std::optional<std::int64_t> NextEventUs() const;
+
+  // Bytes that have not completed yet, in both directions.
+  std::size_t BytesUnderWay() const { return toZem_.bytes.size() + toPc_.bytes.size(); }
 
   // Moves the clock and returns the bytes that completed on their way to the PC since the last
   // call, each with its time.

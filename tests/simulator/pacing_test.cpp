@@ -100,6 +100,19 @@ TEST(Pacing, NextEventTellsWhenSomethingCompletes) {
   EXPECT_EQ(pc.zem.NextEventUs(), std::nullopt);
 }
 
+TEST(Pacing, BytesUnderWayAreThoseThatHaveNotCompleted) {
+  Exchange pc;
+  EXPECT_EQ(pc.zem.BytesUnderWay(), 0u);
+  pc.zem.Receive('E', 0);
+  EXPECT_EQ(pc.zem.BytesUnderWay(), 1u);
+  pc.zem.Advance(1042);
+  EXPECT_EQ(pc.zem.BytesUnderWay(), 2u);
+  pc.zem.Advance(2084);
+  EXPECT_EQ(pc.zem.BytesUnderWay(), 1u);
+  pc.zem.Advance(3125);
+  EXPECT_EQ(pc.zem.BytesUnderWay(), 0u);
+}
+
 TEST(Pacing, TheSameCallsGiveTheSameBytes) {
   Exchange one, two;
   for (Exchange* pc : {&one, &two}) {
