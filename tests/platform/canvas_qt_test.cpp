@@ -1,6 +1,7 @@
 // What primitives look like in pixels.
 #include <QApplication>
 #include <QImage>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QWidget>
 
@@ -99,6 +100,65 @@ TEST_F(CanvasQtTest, ForegroundGoesAndTheBackgroundPictureStays) {
   DrawLine(Canvas(), {0, 50}, {100, 50}, {.colour = Black});
   EXPECT_EQ(Pixel(15, 20), RedPixel);
   EXPECT_EQ(Pixel(15, 50), BlackPixel);
+}
+
+// Whatever the foreground was, what follows it stands on the whole background.
+TEST_F(CanvasQtTest, ForegroundsThatFollowEachOtherLeaveNothingBehind) {
+  auto foreground = [&](int i) {
+    const double at = 10 + 13 * i;
+    FillPolygon(Canvas(), {{at, 5}, {at + 20, 70}, {at - 9, 44}},
+                {.colour = Red, .antialias = true});
+    FillCircle(Canvas(), {at, 40}, 7, {.colour = Blue, .antialias = true});
+    DrawLine(Canvas(), {at, 80}, {at + 30, 61}, {.colour = Black, .width = 5, .antialias = true});
+    DrawText(Canvas(), {at, 25}, "88.8", {.colour = Black, .anchor = TextAnchor::Right});
+    DrawText(Canvas(), {60, at}, "Mg", {.colour = Black, .turnDegrees = 90});
+  };
+  FillRectangle(Canvas(), {20, 10}, {90, 80}, {.colour = 0x80D0F0});
+  KeepAsBackground(Canvas());
+  const QImage background = Picture();
+  for (int i = 0; i < 6; ++i) {
+    ClearForeground(Canvas());
+    foreground(i);
+    EXPECT_NE(Picture(), background);
+  }
+  QImage last = Picture();
+  ClearCanvas(Canvas(), White);
+  FillRectangle(Canvas(), {20, 10}, {90, 80}, {.colour = 0x80D0F0});
+  foreground(5);
+  EXPECT_EQ(Picture(), last);
+  KeepAsBackground(Canvas());
+  ClearForeground(Canvas());
+  EXPECT_EQ(Picture(), last);
+}
+
+// Only what a new foreground changes is painted anew on the display.
+TEST_F(CanvasQtTest, AllThatANewForegroundChangesIsPaintedAnewAndNotMuchMore) {
+  struct Painted : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+      if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
+      return false;
+    }
+    QRegion region;
+  } painted;
+  FillRectangle(Canvas(), {0, 0}, {120, 90}, {.colour = 0x80D0F0});
+  KeepAsBackground(Canvas());
+  FillCircle(Canvas(), {30, 30}, 6, {.colour = Red, .antialias = true});
+  const QImage before = Picture();
+  WidgetOf(Canvas())->installEventFilter(&painted);
+  ClearForeground(Canvas());
+  DrawText(Canvas(), {70, 60}, "4", {.colour = Black, .anchor = TextAnchor::Centre});
+  RunPending();
+  WidgetOf(Canvas())->removeEventFilter(&painted);
+  const QImage after = Picture();
+  int pixels = 0;
+  for (const QRect& rect : painted.region) pixels += rect.width() * rect.height();
+  EXPECT_LT(pixels, after.width() * after.height() / 2);
+  for (int y = 0; y < after.height(); ++y)
+    for (int x = 0; x < after.width(); ++x)
+      if (after.pixel(x, y) != before.pixel(x, y)) {
+        ASSERT_TRUE(painted.region.contains(QPoint(x, y))) << x << " " << y;
+      }
+  EXPECT_NE(after, before);
 }
 
 TEST_F(CanvasQtTest, ClearAndRedrawInOneTurnShowsTheNewPicture) {

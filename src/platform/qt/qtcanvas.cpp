@@ -8,8 +8,13 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QRegion>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <optional>
+#include <span>
+#include <vector>
 
 #include "platform/native.h"
 #include "platform/qt/qtbase.h"
@@ -19,6 +24,10 @@
 #include "platform/qt/qtstyle.h"
 
 namespace {
+
+// Above a background only what differs is painted, as long as there are no more primitives than
+// this.
+constexpr std::size_t SmallForeground = 64;
 
 // A picture and what of the drawing is on it.
 struct Layer {
@@ -40,6 +49,8 @@ class Canvas : public QFrame {
   }
 
   QSize minimumSizeHint() const override { return sizeHint(); }
+  // The drawing has changed: what that changes of the picture is painted anew.
+  void Repaint();
   QSize sizeHint() const override {
     int frame = 2 * frameWidth();
     return {std::max(wished.width(), 1) + frame, std::max(wished.height(), 1) + frame};
@@ -60,9 +71,15 @@ class Canvas : public QFrame {
   void Tell(QMouseEvent& event, MouseEvent::Kind kind);
   bool Fits(const Layer& layer, const Drawing& drawing) const;
   void Start(Layer& layer, const Drawing& drawing) const;
+  bool ShowsDifferences(const Drawing& drawing) const;
+  QRegion Differences(const Drawing& drawing) const;
+  void PutBackgroundBack(const QRegion& region);
+  void PaintDifferences(const Drawing& drawing);
   void BringUpToDate(const Drawing& drawing);
 
   QSize wished;
+  // As it stands in `shown` above the background, when it is small.
+  std::optional<std::vector<Primitive>> foreground;
   Layer background;
   Layer shown;
 };
@@ -86,6 +103,11 @@ void Canvas::Start(Layer& layer, const Drawing& drawing) const {
   layer.count = 0;
 }
 
+bool IsSmall(const Drawing& drawing) {
+  return drawing.backgroundCount > 0 &&
+         drawing.primitives.size() - drawing.backgroundCount <= SmallForeground;
+}
+
 void PaintOn(Layer& layer, const Drawing& drawing, std::size_t end) {
   if (layer.count >= end || layer.image.isNull()) return;
   QPainter painter(&layer.image);
@@ -93,22 +115,83 @@ void PaintOn(Layer& layer, const Drawing& drawing, std::size_t end) {
   layer.count = end;
 }
 
-void Canvas::BringUpToDate(const Drawing& drawing) {
-  std::size_t end = drawing.primitives.size();
-  bool appends =
-      Fits(shown, drawing) && shown.foreground == drawing.foreground && shown.count <= end;
-  if (!appends) {
-    if (drawing.backgroundCount > 0) {
-      if (!Fits(background, drawing)) Start(background, drawing);
-      PaintOn(background, drawing, drawing.backgroundCount);
-      shown = background;
-      shown.foreground = drawing.foreground;
-    } else {
-      background = {};
-      Start(shown, drawing);
-    }
+// Not where a pixel of the drawing is no whole number of the display's.
+bool Canvas::ShowsDifferences(const Drawing& drawing) const {
+  const double scale = devicePixelRatioF();
+  return foreground && IsSmall(drawing) && Fits(shown, drawing) && Fits(background, drawing) &&
+         scale == std::floor(scale);
+}
+
+QRegion Canvas::Differences(const Drawing& drawing) const {
+  const auto now = std::span(drawing.primitives).subspan(drawing.backgroundCount);
+  QRegion region;
+  for (std::size_t i = 0; i < std::max(now.size(), foreground->size()); ++i) {
+    const Primitive* before = i < foreground->size() ? &(*foreground)[i] : nullptr;
+    const Primitive* after = i < now.size() ? &now[i] : nullptr;
+    if (before && after && *before == *after) continue;
+    for (const Primitive* one : {before, after})
+      if (one) region += BoundsOf(*one).toAlignedRect();
   }
-  PaintOn(shown, drawing, end);
+  return region & QRect(QPoint(0, 0), contentsRect().size());
+}
+
+// A picture of the size of a monitor is millions of bytes: only what is needed is copied.
+void Canvas::PutBackgroundBack(const QRegion& region) {
+  const int scale = static_cast<int>(devicePixelRatioF());
+  for (const QRect& place : region) {
+    const QRect pixels = QRect(place.topLeft() * scale, place.size() * scale) & shown.image.rect();
+    const auto bytes = static_cast<std::size_t>(pixels.width()) * sizeof(QRgb);
+    for (int y = pixels.top(); y <= pixels.bottom(); ++y)
+      std::memcpy(reinterpret_cast<QRgb*>(shown.image.scanLine(y)) + pixels.left(),
+                  reinterpret_cast<const QRgb*>(background.image.constScanLine(y)) + pixels.left(),
+                  bytes);
+  }
+}
+
+void Canvas::PaintDifferences(const Drawing& drawing) {
+  const QRegion region = Differences(drawing);
+  if (!region.isEmpty()) {
+    PutBackgroundBack(region);
+    QPainter painter(&shown.image);
+    painter.setClipRegion(region);
+    PaintPrimitives(painter, drawing, drawing.backgroundCount, drawing.primitives.size());
+  }
+  shown.count = drawing.primitives.size();
+}
+
+void Canvas::BringUpToDate(const Drawing& drawing) {
+  const std::size_t end = drawing.primitives.size();
+  const bool same = Fits(shown, drawing) && shown.foreground == drawing.foreground;
+  if (same && shown.count == end) return;
+  if (ShowsDifferences(drawing)) {
+    PaintDifferences(drawing);
+  } else {
+    if (!same || shown.count > end) {
+      if (drawing.backgroundCount == 0) {
+        background = {};
+        Start(shown, drawing);
+      } else {
+        if (!Fits(background, drawing)) Start(background, drawing);
+        PaintOn(background, drawing, drawing.backgroundCount);
+        shown = background;
+      }
+    }
+    PaintOn(shown, drawing, end);
+  }
+  shown.foreground = drawing.foreground;
+  foreground.reset();
+  if (IsSmall(drawing))
+    foreground.emplace(
+        drawing.primitives.begin() + static_cast<std::ptrdiff_t>(drawing.backgroundCount),
+        drawing.primitives.end());
+}
+
+void Canvas::Repaint() {
+  const Control* control = Record();
+  if (control && ShowsDifferences(control->drawing))
+    update(Differences(control->drawing).translated(contentsRect().topLeft()));
+  else
+    update();
 }
 
 void Canvas::paintEvent(QPaintEvent* event) {
@@ -117,8 +200,10 @@ void Canvas::paintEvent(QPaintEvent* event) {
   if (!control || contentsRect().isEmpty()) return;
   BringUpToDate(control->drawing);
   QPainter painter(this);
-  painter.setClipRect(event->rect() & contentsRect());
-  painter.drawImage(contentsRect().topLeft(), shown.image);
+  for (const QRect& place : event->region() & contentsRect()) {
+    painter.setClipRect(place);
+    painter.drawImage(contentsRect().topLeft(), shown.image);
+  }
 }
 
 void Canvas::resizeEvent(QResizeEvent* event) {
@@ -154,4 +239,4 @@ QWidget* CreateCanvas(const Control& control, QWidget* parent) {
   return Make<Canvas>(control, parent);
 }
 
-void RepaintCanvas(QWidget& canvas) { canvas.update(); }
+void RepaintCanvas(QWidget& canvas) { static_cast<Canvas&>(canvas).Repaint(); }

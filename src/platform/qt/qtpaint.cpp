@@ -175,6 +175,26 @@ void PaintPrimitives(QPainter& painter, const Drawing& drawing, std::size_t begi
   }
 }
 
+QRectF BoundsOf(const Primitive& primitive) {
+  if (primitive.points.empty()) return {};
+  const QRectF points = ToPolygon(primitive.points).boundingRect();
+  if (primitive.kind != PrimitiveKind::Text) {
+    const double around = primitive.radius + primitive.stroke.width + 2;
+    return points.adjusted(-around, -around, around, around);
+  }
+  const DrawingFont& font = FontFor(primitive.pointSize, primitive.bold);
+  const double height = font.metrics.height();
+  const double width = font.metrics.horizontalAdvance(ToQt(primitive.text));
+  const double left = primitive.anchor == TextAnchor::Left     ? 0
+                      : primitive.anchor == TextAnchor::Centre ? width / 2
+                                                               : width;
+  // Slanted and wide letters stand out of their room a little.
+  const double around = height / 2;
+  if (primitive.turnDegrees == 0)
+    return points.adjusted(-left - around, -height, width - left + around, height);
+  return points.adjusted(-width - around, -width - height, width + around, width + height);
+}
+
 TextSize MeasureText(const std::string& text, double pointSize, bool bold) {
   const DrawingFont& font = FontFor(pointSize, bold);
   return {font.metrics.horizontalAdvance(ToQt(text)), font.metrics.height()};
