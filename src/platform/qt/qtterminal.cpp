@@ -60,6 +60,7 @@ struct Port {
   std::vector<std::uint8_t> waiting;
   termios before{};
   bool gone = false;
+  bool mayHaveMore = false;  // written to, or read with success: bytes can be here without a wait
   bool counts = false;
   LineCounts lineCounts;
   ~Port() {
@@ -296,6 +297,7 @@ PortResult OpenPort(const std::string& device, const std::string& settings, Port
 bool WritePort(PortHandle handle, std::span<const std::uint8_t> bytes) {
   std::shared_ptr<Port> port = Opened(handle);
   if (!port || port->gone) return false;
+  port->mayHaveMore = true;
   std::size_t written = 0;
   if (port->waiting.empty()) {
     std::optional<std::size_t> now = WriteSome(port, bytes);
@@ -328,11 +330,17 @@ void ClosePort(PortHandle handle) {
   if (port->writable) port->writable.release()->deleteLater();
 }
 
+// A read in vain costs as much as waking up, and between the bytes of a wire each would be in vain:
+// after one the notifier tells of bytes, until something is written again.
 bool TellPortBytes() {
   if (openPorts.empty()) return false;
   bool any = false;
   auto ports = openPorts;
-  for (auto& [handle, port] : ports) any |= TellBytes(port);
+  for (auto& [handle, port] : ports) {
+    if (!port->mayHaveMore) continue;
+    port->mayHaveMore = TellBytes(port);
+    any |= port->mayHaveMore;
+  }
   return any;
 }
 
