@@ -3,24 +3,21 @@
 // until it is seen. The exit code tells whether all three are within their limits.
 //   link_bench [ROUNDS]
 #include <fcntl.h>
-#include <signal.h>
 #include <stdlib.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "bench/support/unit.h"
 #include "core/globalstate.h"
 #include "core/s19file.h"
 #include "link/comm.h"
@@ -47,11 +44,6 @@ double MillisecondsSince(Clock::time_point begin) {
   return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
 }
 
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
 double CpuMs() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -61,28 +53,10 @@ double CpuMs() {
 
 // ---- programming --------------------------------------------------------------------------------
 
-// The simulator as a child that goes with this object.
-struct Simulator {
-  explicit Simulator(const std::string& link) {
-    process = fork();
-    if (process == 0) {
-      execl(ZEMSIM, ZEMSIM, "--quiet", "--link", link.c_str(), nullptr);
-      _exit(127);
-    }
-    while (!std::filesystem::exists(link))
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  ~Simulator() {
-    kill(process, SIGTERM);
-    waitpid(process, nullptr, 0);
-  }
-  pid_t process = 0;
-};
-
-bool MeasureProgramming(const std::filesystem::path& folder, int rounds) {
-  Simulator simulator((folder / "zem").string());
-  setenv("HALVANE2_COM1", (folder / "zem").c_str(), 1);
-  CurrentBinPath = (folder / "bench.bin").string();
+bool MeasureProgramming(const BenchFolder& folder, int rounds) {
+  const BenchUnit unit(folder);
+  setenv("HALVANE2_COM1", folder.Terminal().c_str(), 1);
+  CurrentBinPath = (folder.path / "bench.bin").string();
   for (std::size_t i = 0; i < 512; ++i) BinImage[i] = static_cast<std::int16_t>(i * 7 % 256);
   std::ofstream(S19Path(CurrentBinPath), std::ios::binary) << S19Text(BinImage);
   std::vector<double> times;
@@ -98,7 +72,7 @@ bool MeasureProgramming(const std::filesystem::path& folder, int rounds) {
       return false;
     }
   }
-  const double median = Median(times);
+  const double median = Quantile(times, 0.5);
   const bool good = median <= wireMs * wireRatioToStayUnder + pausesMs;
   std::printf("programming     %.1f ms, wire %.1f ms and pauses %.1f ms: %.2f %% above  %s\n",
               median, wireMs, pausesMs, 100 * (median / (wireMs + pausesMs) - 1),
@@ -171,8 +145,8 @@ bool MeasureReply(int rounds) {
     delays.push_back(std::chrono::duration<double, std::milli>(seen - sentAt.load()).count());
   }
   MSComm1.Close();
-  const double median = Median(delays);
-  const double worst = *std::max_element(delays.begin(), delays.end());
+  const double median = Quantile(delays, 0.5);
+  const double worst = Quantile(delays, 1);
   const bool good = median < replyMsToStayUnder;
   std::printf("reply seen      after %.3f ms (median of %d), %.3f ms at worst  %s\n", median,
               rounds, worst, good ? "ok" : "TOO LATE");
@@ -182,11 +156,8 @@ bool MeasureReply(int rounds) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::array<char, 32> name{"/tmp/link_bench.XXXXXX"};
-  if (!mkdtemp(name.data())) return 2;
-  const std::filesystem::path folder(name.data());
+  const BenchFolder folder;
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  setenv("XDG_CONFIG_HOME", folder.c_str(), 1);  // the user's own settings stay as they are
   StartPlatform(argc, argv);
   const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
   ComPort = 1;
@@ -194,6 +165,5 @@ int main(int argc, char** argv) {
   bool good = MeasureSilence();
   good &= MeasureReply(rounds * 40);
   good &= MeasureProgramming(folder, rounds);
-  std::filesystem::remove_all(folder);
   return good ? 0 : 1;
 }
