@@ -70,7 +70,9 @@ TEST_F(Monitor1Entry, AcceptedValuesAreShownInTheirFormatAndGoOut) {
       {"Alt+3", "Text3", "3.4", "3", OnAdvance, 3, "R30C"},
       {"Alt+4", "Text4", "40", "40", OnGama, 0.4, "R466"},
       {"Alt+4", "Text4", "-40", "-40", OnGama, -0.4, "R4E6"},
+      {"Alt+5", "Text5", "3", "3.00", OnTog, 3, "R801 R977"},
       {"Alt+5", "Text5", "10", "10.00", OnTog, 10, "R804 R9E2"},
+      {"Alt+5", "Text5", "30", "30.00", OnTog, 30, "R80E R9A6"},
       {"Alt+6", "Text6", "1.07", "1.07", OnInjOffset, 1.125, "R609"},
       {"Alt+6", "Text6", "15.875", "15.875", OnInjOffset, 15.875, "R67F"},
       {"Alt+6", "Text6", "-15.875", "-15.875", OnInjOffset, -15.875, "R6FF"},
@@ -273,6 +275,18 @@ TEST_F(Monitor1Entry, ArrowsStopAtTheEnds) {
     TypeText("77");
     EXPECT_EQ(OnAfr, 255);
     SetFocus(At(Monitor1, "Command1"));
+  });
+}
+
+TEST_F(Monitor1Entry, ArrowsBeginInsideTheRangeWhateverTheOffset) {
+  Work([] {
+    for (auto [offset, begin] :
+         {std::pair{200.0, 0.0}, {117.0, 0.0}, {-138.0, 255.0}, {-200.0, 255.0}}) {
+      AfrOffset = offset;
+      PressKey("Alt+9");
+      EXPECT_EQ(OnAfr, begin) << offset;
+      SetFocus(At(Monitor1, "Command1"));
+    }
   });
 }
 
