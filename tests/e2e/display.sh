@@ -35,14 +35,18 @@ start_display() {
   rm -f "$number_file"
   export DISPLAY
   unset WAYLAND_DISPLAY
-  openbox >/dev/null 2>&1 &
-  pieces+=($!)
+  local manager='' end=$((SECONDS + 60))
   # A window that is mapped while the window manager takes over the display is lost to both.
-  for try in $(seq 200); do
-    xdotool get_num_desktops >/dev/null 2>&1 && return 0
+  until xdotool get_num_desktops >/dev/null 2>&1; do
+    [ "$SECONDS" -lt "$end" ] || die "no window manager"
+    # On a busy machine it can give up before the display answers.
+    if ! kill -0 "$manager" 2>/dev/null; then
+      openbox >/dev/null 2>&1 &
+      manager=$!
+      pieces+=("$manager")
+    fi
     sleep 0.05
   done
-  die "no window manager"
 }
 
 # wait_for SECONDS WHAT COMMAND...: the command succeeds within the time.
