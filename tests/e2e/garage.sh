@@ -35,8 +35,8 @@ start_program() {
   "$built/halvane2" 2>"$out/program.log" &
   program=$!
   pieces+=("$program")
-  wait_for 30 "the main frame" window_titled '^Halvane2 Version'
-  wait_for 10 "the keys of the main frame" activate '^Halvane2 Version'
+  wait_for 90 "the main frame" window_titled '^Halvane2 Version'
+  wait_for 30 "the keys of the main frame" activate '^Halvane2 Version'
 }
 
 # The program ends by itself, with exit code 0 and without a word of the sanitizers.
