@@ -1,6 +1,5 @@
 // From the user's actions to the routines of a screen: keys, text, clicks.
-#include <algorithm>
-#include <cctype>
+#include <exception>
 
 #include "platform/calls.h"
 #include "platform/dialogs.h"
@@ -101,6 +100,11 @@ bool KeyOfFrame(KeyEvent& event) {
   if (!frame || !frame->enabled) return true;
   if (frame->keyDown) Guarded([&] { frame->keyDown(event); });
   return event.handled;
+}
+
+void ShowInErrorBox(const Failure& failure) {
+  if (failure.number == FailureCancel) return;
+  MsgBox(FailureText(failure), Buttons::Ok, "Error", BoxIcon::Critical);
 }
 
 }  // namespace
@@ -254,7 +258,9 @@ void Guarded(const std::function<void()>& routine) {
   try {
     routine();
   } catch (const Failure& failure) {
-    if (failure.number == FailureCancel) return;
-    MsgBox(FailureText(failure), Buttons::Ok, "Error", BoxIcon::Critical);
+    ShowInErrorBox(failure);
+  } catch (const std::exception& unforeseen) {
+    // A mistake of ours must not take the user's unsaved work with it.
+    ShowInErrorBox({FailureInternal, "Halvane2", unforeseen.what()});
   }
 }

@@ -12,6 +12,7 @@ std::string FailureDescription(int number) {
       {FailureSubscript, "Subscript out of range"},
       {FailureDivisionByZero, "Division by zero"},
       {FailureTypeMismatch, "Type mismatch"},
+      {FailureInternal, "Internal error"},
       {FailureFileNotFound, "File not found"},
       {FailureFileAlreadyOpen, "File already open"},
       {FailureDeviceIo, "Device I/O error"},

@@ -9,6 +9,7 @@ enum FailureNumber : int {
   FailureSubscript = 9,
   FailureDivisionByZero = 11,
   FailureTypeMismatch = 13,
+  FailureInternal = 51,  // what the standard library throws and nobody expects
   FailureFileNotFound = 53,
   FailureFileAlreadyOpen = 55,
   FailureDeviceIo = 57,

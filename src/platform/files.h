@@ -54,6 +54,7 @@ std::vector<std::string> ListDrives();
 std::vector<std::string> ListFolders(const std::string& folder);
 std::vector<std::string> ListFiles(const std::string& folder, const std::string& pattern);
 
+// When it has been removed meanwhile, the one that was found last.
 std::string CurrentFolder();
 void ChangeFolder(const std::string& folder);  // fails with 76
 // Where the program's own data stands (base.bin, tips, guide): beside the program, else installed.

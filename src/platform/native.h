@@ -78,8 +78,8 @@ void UserCloseBox(Screen& screen);
 void UserFrameClose(Frame& frame);
 void UserMenu(MenuItem& item);
 
-// Runs a routine of ours that the queue calls. A Failure that escapes it is shown in the "Error"
-// box and goes no further.
+// Runs a routine of ours that the queue calls. A Failure or a std::exception that escapes it is
+// shown in the "Error" box and goes no further.
 void Guarded(const std::function<void()>& routine);
 
 // The implementation's Yield, boxes and RunProgram: everything that runs the event queue from

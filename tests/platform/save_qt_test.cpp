@@ -170,6 +170,22 @@ TEST_F(SaveQtTest, NamesThatAreNotAsciiWork) {
   EXPECT_EQ(ReadWholeFile(name), Bytes{'x'});
 }
 
+TEST_F(SaveQtTest, RemovedWorkingFolderIsRememberedAndNoSaveFails) {
+  const std::string before = CurrentFolder();
+  const std::string working = folder + "/working";
+  MakeFolder(working);
+  ChangeFolder(working);
+  EXPECT_EQ(CurrentFolder(), working);
+  ASSERT_TRUE(fs::remove(working));
+  EXPECT_EQ(CurrentFolder(), working);
+  SaveWholeFile(file, Bytes{'n', 'e', 'w'});
+  EXPECT_EQ(TextOf(file), "new");
+  EXPECT_EQ(FailureOf([] { SaveWholeFile("Relative.bin", Bytes{1}); }), FailureFileNotFound);
+  EXPECT_EQ(FailureOf([] { ReadWholeFile("Relative.bin"); }), FailureFileNotFound);
+  EXPECT_TRUE(DataFile("no_such_data.bin").ends_with("/no_such_data.bin"));
+  ChangeFolder(before);
+}
+
 TEST_F(SaveQtTest, FolderThatMayNotBeWrittenIsNoPermission) {
   ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
   auto save = [&] { return std::to_string(FailureOf([&] { SaveWholeFile(file, Bytes{1}); })); };

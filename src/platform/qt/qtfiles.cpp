@@ -211,7 +211,13 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   return bytes;
 }
 
-std::string CurrentFolder() { return DiskText(fs::current_path()); }
+std::string CurrentFolder() {
+  static std::string lastKnown;
+  std::error_code gone;
+  fs::path folder = fs::current_path(gone);
+  if (!gone) lastKnown = DiskText(folder);
+  return lastKnown;
+}
 
 void ChangeFolder(const std::string& folder) {
   std::error_code error;
