@@ -217,6 +217,27 @@ TEST_F(PortQtTest, ClosedPortOpensAgain) {
   EXPECT_TRUE(Passes([&] { return received == Bytes{7}; }));
 }
 
+TEST_F(PortQtTest, ClosedPortOpensAgainForAnOrdinaryUser) {
+  ASSERT_EQ(::chmod(terminal.name.c_str(), 0666), 0);
+  EXPECT_EQ(AsOrdinaryUser([&] {
+              for (int round = 0; round < 3; ++round) {
+                PortResult result = OpenPort(terminal.name, "9600,N,8,1", {});
+                if (result.port == 0) return result.why;
+                ClosePort(result.port);
+              }
+              return std::string("opened three times");
+            }),
+            "opened three times");
+}
+
+TEST_F(PortQtTest, RefusedOpeningLeavesThePortToItsOwner) {
+  ASSERT_EQ(::chmod(terminal.name.c_str(), 0666), 0);
+  Open(terminal.name);
+  Refusal(terminal.name);
+  EXPECT_EQ(AsOrdinaryUser([&] { return OpenPort(terminal.name, "9600,N,8,1", {}).why; }),
+            terminal.name + " is in use by another program. Close that program and try again.");
+}
+
 TEST_F(PortQtTest, LinkToADeviceIsOpened) {
   std::string link = TestFolder() + "/ttyZEM";
   MakeLink(link, terminal.name);

@@ -1,6 +1,7 @@
 // The serial line where devices are files: raw terminal lines (UARTs, USB adapters,
 // pseudo-terminals), written directly so that a byte is on the wire when the call returns. Lock
-// files of other programs are read; none is left behind that could make a healthy port unusable.
+// files of other programs are read; no lock of any kind is left behind that could make a healthy
+// port unusable.
 #include <QtGlobal>
 
 #ifdef Q_OS_UNIX
@@ -28,6 +29,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/loop.h"
@@ -61,11 +63,14 @@ struct Port {
   termios before{};
   bool gone = false;
   bool mayHaveMore = false;  // written to, or read with success: bytes can be here without a wait
+  bool exclusive = false;
   bool counts = false;
   LineCounts lineCounts;
   ~Port() {
     if (file < 0) return;
     if (!gone) ::tcsetattr(file, TCSANOW, &before);
+    // It would outlive the close where somebody else keeps the device open.
+    if (exclusive) ::ioctl(file, TIOCNXCL);
     ::close(file);
   }
 };
@@ -263,7 +268,7 @@ int OpenLine(Port& port, const std::string& device, const std::string& settings)
   if (port.file < 0) return errno;
   if (::tcgetattr(port.file, &port.before) != 0) return errno;
   if (::flock(port.file, LOCK_EX | LOCK_NB) != 0) return errno;
-  ::ioctl(port.file, TIOCEXCL);
+  port.exclusive = ::ioctl(port.file, TIOCEXCL) == 0;
   termios line = port.before;
   if (!Apply(line, settings)) return EINVAL;
   if (::tcsetattr(port.file, TCSANOW, &line) != 0) return errno;
