@@ -54,6 +54,14 @@ class Terminal {
     EXPECT_EQ(::tcgetattr(master, &line), 0);
     return line;
   }
+  // As another program may have left the line.
+  void TurnFlowControlOn() const {
+    termios line = Settings();
+    line.c_cflag |= CRTSCTS;
+    line.c_iflag |= IXON | IXOFF | IXANY;
+    EXPECT_EQ(::tcsetattr(master, TCSANOW, &line), 0);
+    EXPECT_NE(Settings().c_cflag & CRTSCTS, 0u);
+  }
   void Unplug() {
     if (master >= 0) ::close(master);
     master = -1;
@@ -247,11 +255,14 @@ TEST_F(PortQtTest, LinkToADeviceIsOpened) {
 }
 
 TEST_F(PortQtTest, TheLineIsRaw) {
+  terminal.TurnFlowControlOn();
   Open(terminal.name);
   termios line = terminal.Settings();
   EXPECT_EQ(::cfgetispeed(&line), static_cast<speed_t>(B9600));
   EXPECT_EQ(line.c_lflag & (ICANON | ECHO | ISIG), 0u);
-  EXPECT_EQ(line.c_iflag & (IXON | ICRNL | INLCR | ISTRIP), 0u);
+  EXPECT_EQ(line.c_iflag & (ICRNL | INLCR | ISTRIP), 0u);
+  EXPECT_EQ(line.c_iflag & (IXON | IXOFF | IXANY), 0u) << "flow control in the bytes";
+  EXPECT_EQ(line.c_cflag & CRTSCTS, 0u) << "flow control on wires that the cable has not";
   EXPECT_EQ(line.c_oflag & OPOST, 0u);
   EXPECT_EQ(line.c_cflag & (CSIZE | PARENB | CSTOPB), static_cast<tcflag_t>(CS8));
 }

@@ -102,6 +102,11 @@ bool Apply(termios& line, const std::string& settings) {
   if (mode[1] == 'E' || mode[1] == 'O') line.c_cflag |= PARENB;
   if (mode[1] == 'O') line.c_cflag |= PARODD;
   if (mode[5] == '2') line.c_cflag |= CSTOPB;
+    // A cable of three wires has no flow control, whatever another program has left behind.
+#ifdef CRTSCTS
+  line.c_cflag &= ~static_cast<tcflag_t>(CRTSCTS);
+#endif
+  line.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY);
   line.c_iflag |= IGNBRK;
   line.c_cc[VMIN] = 1;  // a read of nothing then means that the device has gone
   line.c_cc[VTIME] = 0;
