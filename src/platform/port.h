@@ -34,5 +34,5 @@ void ClosePort(PortHandle port);
 
 // The device of port number 1 to 4: HALVANE2_COM<n> of the environment, COM<n> on Windows, else
 // the first that exists of /dev/ttyS<n-1>, /dev/ttyUSB<n-1>, /dev/ttyACM<n-1> (the first when
-// none).
+// none). On Linux a ttyS that the kernel knows to be without hardware does not count.
 std::string DeviceOfPort(int number);

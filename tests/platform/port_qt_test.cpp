@@ -8,13 +8,16 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
 #include "platform/loop.h"
 #include "platform/port.h"
+#include "platform/qt/qtport.h"
 #include "support/qt/otheruser.h"
 #include "support/testfolder.h"
 #include "support/user.h"
@@ -242,8 +245,11 @@ TEST_F(PortQtTest, RefusedOpeningLeavesThePortToItsOwner) {
   ASSERT_EQ(::chmod(terminal.name.c_str(), 0666), 0);
   Open(terminal.name);
   Refusal(terminal.name);
-  EXPECT_EQ(AsOrdinaryUser([&] { return OpenPort(terminal.name, "9600,N,8,1", {}).why; }),
-            terminal.name + " is in use by another program. Close that program and try again.");
+  EXPECT_EQ(AsOrdinaryUser([&] {
+              bool opened = ::open(terminal.name.c_str(), O_RDWR | O_NOCTTY) >= 0;
+              return std::string(opened ? "opened" : std::strerror(errno));
+            }),
+            std::strerror(EBUSY));
 }
 
 TEST_F(PortQtTest, LinkToADeviceIsOpened) {
@@ -331,6 +337,33 @@ TEST_F(PortQtTest, DeviceOfTheEnvironmentComesFirst) {
   ::unsetenv("HALVANE2_COM3");
   std::string device = DeviceOfPort(3);
   EXPECT_TRUE(device == "/dev/ttyS2" || device == "/dev/ttyUSB2" || device == "/dev/ttyACM2");
+}
+
+TEST_F(PortQtTest, NodeWithoutHardwareIsPassedOver) {
+  const std::string devices = TestFolder() + "/dev", kernel = TestFolder() + "/tty";
+  for (const char* folder : {"", "/ttyS0", "/ttyS1"}) MakeFolder(kernel + folder);
+  MakeFolder(devices);
+  auto device = [&](int number) {
+    return FirstSerialDevice(number, devices, kernel).substr(devices.size());
+  };
+  EXPECT_EQ(device(1), "/ttyS0") << "nothing is there";
+  for (const char* name : {"/ttyS0", "/ttyS1", "/ttyS2"}) MakeFile(devices + name, "");
+  MakeFile(kernel + "/ttyS0/type", "0\n");
+  MakeFile(kernel + "/ttyS1/type", "4\n");
+  EXPECT_EQ(device(1), "/ttyS0") << "nothing else is there";
+  for (const char* name : {"/ttyUSB0", "/ttyUSB1", "/ttyUSB2", "/ttyACM0", "/ttyACM3"})
+    MakeFile(devices + name, "");
+  EXPECT_EQ(device(1), "/ttyUSB0");
+  EXPECT_EQ(device(2), "/ttyS1") << "it has hardware";
+  EXPECT_EQ(device(3), "/ttyS2") << "the kernel does not tell";
+  EXPECT_EQ(device(4), "/ttyACM3");
+}
+
+TEST_F(PortQtTest, PortWithoutHardwareNamesTheWayOut) {
+  EXPECT_EQ(WhyNotOpened("/dev/ttyS0", EIO),
+            "/dev/ttyS0 does not work: there is no hardware behind it, or it was unplugged. A USB "
+            "adapter is /dev/ttyUSB0 as a rule; connect it, or name it in the environment: "
+            "HALVANE2_COM1=/dev/ttyUSB0 makes it port 1.");
 }
 
 // ---- what a pass costs --------------------------------------------------------------------------

@@ -123,7 +123,9 @@ std::string GroupOf(const std::string& device) {
   return owner ? owner->gr_name : std::to_string(status.st_gid);
 }
 
-std::string WhyNot(const std::string& device, int error) {
+}  // namespace
+
+std::string WhyNotOpened(const std::string& device, int error) {
   switch (error) {
     case ENOENT:
     case ENODEV:
@@ -141,11 +143,17 @@ std::string WhyNot(const std::string& device, int error) {
     case EINVAL:
       return device + " is no serial port.";
     case EIO:
-      return device + " does not work: there is no hardware behind it, or it was unplugged.";
+      return device +
+             " does not work: there is no hardware behind it, or it was unplugged. A USB adapter "
+             "is "
+             "/dev/ttyUSB0 as a rule; connect it, or name it in the environment: "
+             "HALVANE2_COM1=/dev/ttyUSB0 makes it port 1.";
     default:
       return device + " cannot be opened: " + std::strerror(error) + ".";
   }
 }
+
+namespace {
 
 // Whether a running program has left its mark on the device, as terminal programs do.
 bool LockedByOther(const std::string& device) {
@@ -287,7 +295,7 @@ PortResult OpenPort(const std::string& device, const std::string& settings, Port
   auto port = std::make_shared<Port>();
   if (int error = OpenLine(*port, device, settings); error != 0) {
     port->gone = true;  // nothing of the line has been changed that could be put back
-    return {0, WhyNot(device, error)};
+    return {0, WhyNotOpened(device, error)};
   }
   port->handle = ++lastHandle;
   port->events = std::move(events);
