@@ -37,7 +37,9 @@ double SecondsSinceMidnight();
 std::string DateText();  // "2026-11-21", local
 std::string TimeText();  // "14:05:09", local
 
-// Runs the queue until EndProgram; returns the program's exit code.
+// Runs the queue until EndProgram; returns the program's exit code. Who asks the process to end
+// meanwhile (a logout, Ctrl+C in its terminal) clicks the close box of the frame; who asks again
+// after a second ends it at once.
 int RunProgram();
 // The queue ends when the stack has unwound.
 void EndProgram(int exitCode = 0);

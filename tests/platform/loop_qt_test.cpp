@@ -1,4 +1,6 @@
 // The queue on the machine's own clock: what a pass takes, what it costs, and the end.
+#include <signal.h>
+
 #include <algorithm>
 #include <ctime>
 #include <vector>
@@ -18,6 +20,20 @@ class LoopQtTest : public ContractTest {
     for (int pass = 0; pass < passes; ++pass) Yield();
     double took = static_cast<double>(MonotonicMicroseconds() - start);
     return {took, static_cast<double>(std::clock() - cpu) * 1e6 / CLOCKS_PER_SEC};
+  }
+  // How often the signals, all at once, have clicked the close box of the frame, which refuses.
+  int TimesClosedBy(const std::vector<int>& signals) {
+    int closed = 0, turns = 0;
+    frame.closeBox = [&] { ++closed; };
+    RunSoon([&] {
+      for (int number : signals) ::raise(number);
+    });
+    const int timer = StartTimer(1, [&] {
+      if (++turns == 20) EndProgram();
+    });
+    RunProgram();
+    StopTimer(timer);
+    return closed;
   }
 };
 
@@ -95,6 +111,32 @@ TEST_F(LoopQtTest, ChangesAreSeenBeforeTheNextPassHasSlept) {
   for (int pass = 0; pass < 100; ++pass) Yield();
   EXPECT_EQ(ShownText(screen, "Live"), "7");
   UnloadScreen(screen);
+}
+
+// ---- signals ------------------------------------------------------------------------------------
+
+TEST_F(LoopQtTest, RequestToEndIsTheFramesCloseBox) { EXPECT_EQ(TimesClosedBy({SIGTERM}), 1); }
+TEST_F(LoopQtTest, InterruptOfTheTerminalIsTheFramesCloseBox) {
+  EXPECT_EQ(TimesClosedBy({SIGINT}), 1);
+}
+TEST_F(LoopQtTest, ClosedTerminalIsTheFramesCloseBox) { EXPECT_EQ(TimesClosedBy({SIGHUP}), 1); }
+
+TEST_F(LoopQtTest, SignalsOfALogoutAreOneRequest) {
+  EXPECT_EQ(TimesClosedBy({SIGTERM, SIGHUP, SIGHUP}), 1);
+}
+
+TEST_F(LoopQtTest, BrokenPipeEndsNothing) {
+  RunSoon([] {
+    ::raise(SIGPIPE);
+    EndProgram(3);
+  });
+  EXPECT_EQ(RunProgram(), 3);
+}
+
+TEST_F(LoopQtTest, RequestThatTheProgramWasStartedToIgnoreStaysIgnored) {
+  auto before = ::signal(SIGHUP, SIG_IGN);
+  EXPECT_EQ(TimesClosedBy({SIGHUP}), 0);
+  ::signal(SIGHUP, before);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <memory>
 #include <thread>
 
+#include "platform/frame.h"
 #include "platform/loop.h"
 #include "platform/native.h"
 #include "platform/qt/qtaccess.h"
@@ -24,6 +25,7 @@
 #include "platform/qt/qtkeys.h"
 #include "platform/qt/qtport.h"
 #include "platform/qt/qtscreen.h"
+#include "platform/qt/qtsignals.h"
 #include "platform/qt/qtstyle.h"
 #include "platform/qt/qtsystem.h"
 
@@ -135,6 +137,16 @@ void SleepInTheQueue(std::int64_t start) {
   loop.passesLeft = std::min(now - start, SleepCountsAtMost) / PassMicroseconds - 1;
 }
 
+// A request to end takes the road of the frame's close box, which asks about unsaved work; also
+// where a box or another window keeps the user from it.
+void CloseByRequest() {
+  NativeFrame native;
+  if (Frame* frame = TheFrame())
+    UserFrameClose(*frame);
+  else
+    EndProgram();
+}
+
 }  // namespace
 
 // ---- start ------------------------------------------------------------------------------------
@@ -211,6 +223,7 @@ int RunProgram() {
     QEventLoop events;
     loop.mainLoop = &events;
     if (loop.queueWaits) ScheduleTurn();
+    SignalWatch signals(CloseByRequest);
     events.exec();
     loop.mainLoop = nullptr;
   }
