@@ -70,6 +70,21 @@ TEST_F(KeysQtTest, ComposedCharactersComeAsKeyPresses) {
   EXPECT_EQ(ShownText(screen, "Text1"), "1\u00e9");
 }
 
+TEST_F(KeysQtTest, DecimalKeyOfAKeypadTypesAPoint) {
+  Show();
+  auto press = [](Qt::Key key, Qt::KeyboardModifiers held, const char* text) {
+    for (bool down : {true, false})
+      QTest::simulateEvent(FrameHandle(), down, key, held, text, false);
+  };
+  press(Qt::Key_1, Qt::KeypadModifier, "1");
+  press(Qt::Key_Comma, Qt::KeypadModifier, ",");
+  press(Qt::Key_5, Qt::KeypadModifier, "5");
+  press(Qt::Key_Comma, {}, ",");
+  EXPECT_EQ(ShownText(screen, "Text1"), "1.5,");
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), "press Text1 46"), 1);
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), "press Text1 44"), 1);
+}
+
 TEST_F(KeysQtTest, SelectionCountsBytesOfTheText) {
   Show();
   SetText(At(screen, "Text1"), "\u00b0\u00b0C");

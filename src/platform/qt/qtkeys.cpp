@@ -61,6 +61,11 @@ int CharacterOf(const QKeyEvent& event) {
   return character >= ' ' && character != deleteKey ? character : 0;
 }
 
+// The decimal key of a keypad types a comma in many countries; numbers have a point here.
+bool IsDecimalComma(const QKeyEvent& event) {
+  return event.modifiers().testFlag(Qt::KeypadModifier) && event.text() == u",";
+}
+
 KeyEvent ToKeyEvent(const QKeyEvent& event) {
   Qt::KeyboardModifiers held = event.modifiers();
   KeyEvent key{.key = KeyOf(event.key()),
@@ -70,6 +75,7 @@ KeyEvent ToKeyEvent(const QKeyEvent& event) {
                .keypad = held.testFlag(Qt::KeypadModifier),
                .repeat = event.isAutoRepeat()};
   key.character = CharacterOf(event);
+  if (IsDecimalComma(event)) key.key = key.character = '.';
   // Both together write the third sign of a key on some keyboards.
   if (key.ctrl && key.alt && key.character != 0) key.ctrl = key.alt = false;
   if (key.ctrl || key.alt) key.character = 0;
@@ -77,7 +83,9 @@ KeyEvent ToKeyEvent(const QKeyEvent& event) {
 }
 
 bool IsMarkedLetter(const KeyEvent& key) { return key.alt && !key.ctrl && key.key < 256; }
-bool IsHotKey(const KeyEvent& key) { return key.ctrl && !key.alt && std::isupper(key.key); }
+bool IsHotKey(const KeyEvent& key) {
+  return key.ctrl && !key.alt && key.key >= 'A' && key.key <= 'Z';
+}
 
 // ---- who gets a key -----------------------------------------------------------------------------
 
@@ -193,7 +201,7 @@ bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
   if (!screen || !screen->loaded || screen->closing) return false;
   // A field would type the letter.
   if (IsMarkedLetter(key)) return true;
-  bool changed = before != 0 && key.character != before;
+  bool changed = before != 0 && (key.character != before || IsDecimalComma(event));
   return PassOn(*screen, *receiver->widget, event, key.character, changed);
 }
 
