@@ -46,6 +46,17 @@ TEST_F(CanvasQtTest, LineOfWidthOneFillsOneRowOfPixels) {
   }
 }
 
+TEST_F(CanvasQtTest, TextsFollowTheFontOfTheDesktop) {
+  const QFont before = QApplication::font();
+  const TextSize size = MeasureText("1234", 0, false);
+  QFont larger = before;
+  larger.setPointSizeF(2 * before.pointSizeF());
+  QApplication::setFont(larger);
+  EXPECT_GT(MeasureText("1234", 0, false).width, 1.5 * size.width);
+  QApplication::setFont(before);
+  EXPECT_EQ(MeasureText("1234", 0, false).width, size.width);
+}
+
 TEST_F(CanvasQtTest, LineOfWidthTwoFillsTwoRows) {
   DrawLine(Canvas(), {10, 20}, {60, 20}, {.colour = Red, .width = 2});
   QImage picture = Picture();

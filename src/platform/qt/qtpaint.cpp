@@ -1,6 +1,7 @@
 // From primitives to strokes of a painter.
 #include "platform/qt/qtpaint.h"
 
+#include <QApplication>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
@@ -19,6 +20,11 @@ struct DrawingFont {
 
 const DrawingFont& FontFor(double pointSize, bool bold) {
   static std::map<std::pair<double, bool>, DrawingFont> fonts;
+  static QFont ofDesktop;
+  if (ofDesktop != QApplication::font()) {
+    ofDesktop = QApplication::font();
+    fonts.clear();
+  }
   auto found = fonts.find({pointSize, bold});
   if (found != fonts.end()) return found->second;
   QFont font = FontOfSize(pointSize, bold);
