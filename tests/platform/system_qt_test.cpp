@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "platform/files.h"
@@ -228,6 +229,15 @@ TEST_F(SystemQtTest, DocumentIsPrintedPageByPage) {
   std::string pdf = TextOf(file);
   EXPECT_TRUE(pdf.starts_with("%PDF"));
   EXPECT_NE(pdf.find("/Count 3"), std::string::npos);
+}
+
+TEST_F(SystemQtTest, EndOfTheProgramLeavesTheChoiceOfAPrinter) {
+  std::optional<bool> begun;
+  RunFromQueue([&] { begun = PrinterBegin("Calibration"); });
+  int timer = StartTimer(20, [] { EndProgram(); });
+  RunProgram();
+  StopTimer(timer);
+  EXPECT_EQ(begun, false);
 }
 
 TEST_F(SystemQtTest, LargerFontHasFewerLinesOnAPage) {

@@ -93,23 +93,6 @@ void SetTitle(QDialog& box, const std::string& title) {
   box.setProperty("givenTitle", ToQt(title));
 }
 
-// Runs the queue until the box is closed. Afterwards the keys are where the record says.
-int RunBox(QDialog& box) {
-  NativeFrame frame;
-  CarryOutChanges();
-  int result = 0;
-  {
-    YieldScope scope;
-    openBoxes.push_back(&box);
-    box.setWindowModality(Qt::ApplicationModal);
-    result = box.exec();
-    openBoxes.erase(std::find(openBoxes.begin(), openBoxes.end(), &box));
-  }
-  ScheduleTurn();
-  if (Screen* active = ActiveScreen(); active && openBoxes.empty()) NativeActivate(*active);
-  return result;
-}
-
 // "Text|*.ext|Text|*.ext" becomes "Text (*.ext)" by "Text (*.ext)".
 QStringList NameFilters(const std::string& filter) {
   QStringList parts = ToQt(filter).split(u'|');
@@ -172,6 +155,22 @@ void RunFileDialog(FileDialog& dialog, QFileDialog::AcceptMode mode) {
 }
 
 }  // namespace
+
+int RunBox(QDialog& box) {
+  NativeFrame frame;
+  CarryOutChanges();
+  int result = 0;
+  {
+    YieldScope scope;
+    openBoxes.push_back(&box);
+    box.setWindowModality(Qt::ApplicationModal);
+    result = box.exec();
+    openBoxes.erase(std::find(openBoxes.begin(), openBoxes.end(), &box));
+  }
+  ScheduleTurn();
+  if (Screen* active = ActiveScreen(); active && openBoxes.empty()) NativeActivate(*active);
+  return result;
+}
 
 Answer MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
   const ButtonsRow& row = RowOf(buttons);

@@ -1,6 +1,11 @@
 // Boxes that are open.
 #pragma once
 
+class QDialog;
+
+// Runs the queue until the box is closed; its result. Afterwards the keys are where the record
+// says.
+int RunBox(QDialog& box);
 // Leaves every open box by its close box (the program ends).
 void CloseOpenBoxes();
 // Forgets the folder of the last choice.

@@ -8,9 +8,8 @@
 #include <QPrinter>
 #include <memory>
 
-#include "platform/loop.h"
-#include "platform/native.h"
 #include "platform/qt/qtbase.h"
+#include "platform/qt/qtboxes.h"
 #include "platform/system.h"
 
 namespace {
@@ -53,10 +52,8 @@ bool ChoosePrinter(QPrinter& printer) {
     printer.setOutputFileName(printsTo);
     return true;
   }
-  YieldScope scope;
-  NativeFrame frame;
   QPrintDialog dialog(&printer, QApplication::activeWindow());
-  return dialog.exec() == QDialog::Accepted;
+  return RunBox(dialog) == QDialog::Accepted;
 }
 
 }  // namespace
