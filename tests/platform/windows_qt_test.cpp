@@ -187,6 +187,14 @@ TEST_F(WindowsQtTest, ScreenAboveKeepsItsPlaceInTheRecord) {
   EXPECT_EQ(above.top, 900);
 }
 
+TEST_F(WindowsQtTest, PlaceLeftOfTheFirstDisplayIsAPlace) {
+  above.left = -1500;
+  above.top = -600;
+  ShowScreen(above);
+  RunPending();
+  EXPECT_EQ(WindowOf(above).pos(), QPoint(0, 0)) << "as near as this desktop reaches";
+}
+
 TEST_F(WindowsQtTest, ChildIsMovedByItsTitleBarAndStaysWithinReach) {
   child.left = 300;
   child.top = 450;

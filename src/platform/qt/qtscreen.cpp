@@ -200,8 +200,10 @@ void PlaceWindow(QtScreen& native) {
     QRect around = frame && frame->isVisible() ? frame->frameGeometry() : desktop;
     QPoint corner = around.center() - QPoint(size.width() / 2, size.height() / 2);
     native.window->move(std::max(corner.x(), desktop.left()), std::max(corner.y(), desktop.top()));
-  } else if (screen.left >= 0 || screen.top >= 0) {
+  } else if (screen.left != -1 || screen.top != -1) {
     QPoint corner(PixelsOfTwips(screen.left), PixelsOfTwips(screen.top));
+    if (const QScreen* display = QGuiApplication::screenAt(corner))
+      desktop = display->availableGeometry();
     native.window->move(std::clamp(corner.x(), desktop.left(), desktop.right() - 40),
                         std::clamp(corner.y(), desktop.top(), desktop.bottom() - 40));
   } else if (frame) {
