@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <map>
+#include <stdexcept>
 #include <utility>
 
 #include "platform/calls.h"
@@ -81,9 +82,8 @@ Control* Find(Screen& screen, std::string_view name) {
 }
 
 Control& At(Screen& screen, std::string_view name) {
-  Control* control = Find(screen, name);
-  assert(control && "no control of this name");
-  return *control;
+  if (Control* control = Find(screen, name)) return *control;
+  throw std::logic_error("Screen " + screen.name + " has no control " + std::string(name) + ".");
 }
 
 Control& Add(Screen& screen, Control control) {

@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <functional>
+#include <list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -155,11 +156,11 @@ struct Screen {
   Control* focus = nullptr;
   bool focusMoving = false;
   Control* focusWish = nullptr;
-  std::vector<std::deque<Control>> former;  // controls of an earlier life that a routine may hold
+  std::list<std::deque<Control>> former;  // controls of an earlier life that a routine may hold
   void* native = nullptr;
 };
 
-// The control of this name; an assertion failure when there is none (a mistake of ours).
+// The control of this name; throws std::logic_error when there is none (a mistake of ours).
 Control& At(Screen& screen, std::string_view name);
 Control* Find(Screen& screen, std::string_view name);
 // Adds a control to the record while `build` runs.
