@@ -28,6 +28,7 @@
 #include "platform/qt/qtsignals.h"
 #include "platform/qt/qtstyle.h"
 #include "platform/qt/qtsystem.h"
+#include "platform/qt/qttoolkit.h"
 
 namespace {
 
@@ -157,7 +158,7 @@ void StartPlatform(int& argc, char** argv) {
     ResetLoop();
     return;
   }
-  loop.application = std::make_unique<QApplication>(argc, argv);
+  loop.application = StartToolkit(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setApplicationName("Halvane2");
   ApplyStyle();
