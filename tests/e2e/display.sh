@@ -2,11 +2,15 @@
 set -euo pipefail
 
 pieces=()
+display_is_up=
 finish() {
-  local piece
+  local piece signal
   for ((i = ${#pieces[@]} - 1; i >= 0; --i)); do
     piece=${pieces[i]}
-    kill "$piece" 2>/dev/null || true
+    # Asked to end, the program would ask whether to save, and nobody is there to answer.
+    signal=TERM
+    [ "$piece" != "${program:-}" ] || signal=KILL
+    kill -"$signal" "$piece" 2>/dev/null || true
     wait "$piece" 2>/dev/null || true
   done
 }
@@ -14,7 +18,7 @@ trap finish EXIT
 
 die() {
   printf 'FAILED: %s\n' "$*" >&2
-  [ -n "${DISPLAY:-}" ] && picture failed || true
+  [ -n "$display_is_up" ] && picture failed || true
   exit 1
 }
 trap 'die "line $LINENO: $BASH_COMMAND"' ERR
@@ -34,6 +38,7 @@ start_display() {
   DISPLAY=:$(tr -d '\n' <"$number_file")
   rm -f "$number_file"
   export DISPLAY
+  display_is_up=1
   unset WAYLAND_DISPLAY
   local manager='' end=$((SECONDS + 60))
   # A window that is mapped while the window manager takes over the display is lost to both.
