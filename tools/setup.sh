@@ -38,11 +38,14 @@ install_missing() {
   say "installing ${missing[*]}"
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update ||
     fail "the package lists could not be read (apt-get update); is there a network?"
+  local log
+  log=$(mktemp)
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -y --no-install-recommends \
-    install "${missing[@]}" >"${TMPDIR:-/tmp}/halvane2-apt.log" 2>&1 || {
-    tail -n 20 "${TMPDIR:-/tmp}/halvane2-apt.log" >&2
-    fail "apt-get could not install ${missing[*]}"
+    install "${missing[@]}" >"$log" 2>&1 || {
+    tail -n 20 "$log" >&2
+    fail "apt-get could not install ${missing[*]}: all it said is in $log"
   }
+  rm -f "$log"
 }
 
 # build FOLDER TARGETS -- CMake options: incremental; prints only what goes wrong.
@@ -52,8 +55,13 @@ build() {
   local launcher=()
   command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   mkdir -p "$folder"
+  # A build folder that was moved with its project knows the former place only.
+  local fresh=()
+  [ ! -e "$folder/CMakeCache.txt" ] ||
+    grep -qxF "CMAKE_CACHEFILE_DIR:INTERNAL=$(cd "$folder" && pwd -P)" "$folder/CMakeCache.txt" ||
+    fresh=(--fresh)
   say "configuring $folder"
-  cmake -S . -B "$folder" -G Ninja "${launcher[@]}" "$@" >"$folder.log" 2>&1 || {
+  cmake "${fresh[@]}" -S . -B "$folder" -G Ninja "${launcher[@]}" "$@" >"$folder.log" 2>&1 || {
     cat "$folder.log" >&2
     fail "CMake could not configure $folder"
   }
