@@ -93,13 +93,10 @@ Control& Add(Screen& screen, Control control) {
   return screen.controls.back();
 }
 
-bool TakesFocus(const Control& control) {
+bool IsField(const Control& control) {
   switch (control.kind) {
     case ControlKind::TextField:
     case ControlKind::TextArea:
-    case ControlKind::Button:
-    case ControlKind::RadioButton:
-    case ControlKind::CheckBox:
     case ControlKind::DropDownList:
     case ControlKind::ListBox:
     case ControlKind::TreeView:
@@ -107,6 +104,11 @@ bool TakesFocus(const Control& control) {
     default:
       return false;
   }
+}
+
+bool TakesFocus(const Control& control) {
+  return IsField(control) || control.kind == ControlKind::Button ||
+         control.kind == ControlKind::RadioButton || control.kind == ControlKind::CheckBox;
 }
 
 bool IsShown(const Control& control) { return Around(control, &Control::visible); }
@@ -128,10 +130,7 @@ void LoadScreen(Screen& screen) {
   if (screen.build) screen.build(screen);
   for (Control& control : screen.controls) {
     control.owner = &screen;
-    if (control.backColour == SystemButtonFace &&
-        (control.kind == ControlKind::TextField || control.kind == ControlKind::TextArea ||
-         control.kind == ControlKind::DropDownList || control.kind == ControlKind::ListBox ||
-         control.kind == ControlKind::TreeView)) {
+    if (control.backColour == SystemButtonFace && IsField(control)) {
       control.backColour = SystemWindow;
       control.foreColour = SystemWindowText;
     }

@@ -216,6 +216,7 @@ void SetScreenBackColour(Screen& screen, Colour colour);
 void SetFocus(Control& control);
 Control* FocusedControl(Screen& screen);
 bool TakesFocus(const Control& control);  // its kind can have the focus
+bool IsField(const Control& control);  // its kind stands on the colour of windows, not of buttons
 // Enabled and visible, and so is every container around it.
 bool IsUsable(const Control& control);
 bool IsShown(const Control& control);

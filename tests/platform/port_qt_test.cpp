@@ -313,9 +313,21 @@ TEST_F(PortQtTest, PortThatIsOpenIsInUse) {
 }
 
 TEST_F(PortQtTest, WrongSettingsAreRefused) {
-  PortResult result = OpenPort(terminal.name, "9601,N,8,1", {});
-  EXPECT_EQ(result.port, 0);
-  EXPECT_EQ(result.why, terminal.name + " is no serial port.");
+  for (const char* settings : {"9601,N,8,1", "9600,N,8", "9600,N,8,1 ", "9600;N;8;1", "9600,X,8,1",
+                               "9600,N,9,1", "9600,N,8,3", "N,8,1", ""}) {
+    PortResult result = OpenPort(terminal.name, settings, {});
+    EXPECT_EQ(result.port, 0) << settings;
+    EXPECT_EQ(result.why, terminal.name + " is no serial port.");
+  }
+}
+
+TEST_F(PortQtTest, SettingsSayParityAndBits) {
+  port = OpenPort(terminal.name, "1200,O,8,2", {}).port;
+  termios line = terminal.Settings();
+  EXPECT_EQ(::cfgetispeed(&line), static_cast<speed_t>(B1200));
+  EXPECT_EQ(line.c_cflag & CSTOPB, static_cast<tcflag_t>(CSTOPB));
+  EXPECT_EQ(ReadLineSettings("9600,E,7,1")->parity, 'E');
+  EXPECT_EQ(ReadLineSettings("9600,E,7,1")->dataBits, 7);
 }
 
 TEST_F(PortQtTest, ForbiddenDeviceNamesTheGroupToJoin) {

@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QGroupBox>
-#include <QProgressBar>
 #include <algorithm>
 #include <map>
 #include <utility>

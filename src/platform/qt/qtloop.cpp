@@ -1,7 +1,6 @@
 // The event queue on top of Qt's event loop: turns, yields that sleep, timers, the clock.
 #include "platform/qt/qtloop.h"
 
-#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QBasicTimer>
 #include <QDateTime>

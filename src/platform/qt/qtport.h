@@ -1,10 +1,20 @@
 // Ports as the event queue sees them, and what their tests look at.
 #pragma once
 
+#include <optional>
 #include <string>
 
 // Tells the bytes that have come to open ports. Result: whether there were any.
 bool TellPortBytes();
+
+// The settings of a line, "9600,N,8,1".
+struct LineSettings {
+  int baud = 0;
+  char parity = 'N';  // or E, O
+  int dataBits = 8;   // or 7
+  int stopBits = 1;   // or 2
+};
+std::optional<LineSettings> ReadLineSettings(const std::string& text);  // nothing when that is none
 
 // The device of a port number among those in `devices`: the first that exists and has hardware
 // behind it, as far as `kernel`, a folder of the kernel's own words on each, tells; ttyS when none.

@@ -7,14 +7,16 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHash>
-#include <QMainWindow>
+#include <QPointer>
 #include <QScreen>
 #include <QScrollArea>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <memory>
 #include <utility>
+#include <vector>
 
 #include "platform/frame.h"
 #include "platform/native.h"

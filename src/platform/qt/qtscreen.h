@@ -1,11 +1,8 @@
 // The windows and pages that screens stand on.
 #pragma once
 
-#include <QPointer>
 #include <QWidget>
 #include <deque>
-#include <memory>
-#include <vector>
 
 #include "platform/qt/qtcontrols.h"
 #include "platform/screen.h"

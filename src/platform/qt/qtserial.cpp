@@ -5,7 +5,6 @@
 #ifndef Q_OS_UNIX
 
 #include <QSerialPort>
-#include <charconv>
 #include <map>
 #include <memory>
 #include <optional>
@@ -33,19 +32,16 @@ std::shared_ptr<Port> Opened(PortHandle handle) {
   return found == openPorts.end() ? nullptr : found->second;
 }
 
-// "9600,N,8,1"; false when that is none.
+// False when those are none.
 bool Apply(QSerialPort& line, const std::string& settings) {
-  int baud = 0;
-  auto [rest, error] = std::from_chars(settings.data(), settings.data() + settings.size(), baud);
-  std::string mode(rest, settings.data() + settings.size());
-  if (error != std::errc() || mode.size() != 6) return false;
-  auto parity = mode[1] == 'E'   ? QSerialPort::EvenParity
-                : mode[1] == 'O' ? QSerialPort::OddParity
-                                 : QSerialPort::NoParity;
-  line.setBaudRate(baud);
-  line.setParity(parity);
-  line.setDataBits(mode[3] == '7' ? QSerialPort::Data7 : QSerialPort::Data8);
-  line.setStopBits(mode[5] == '2' ? QSerialPort::TwoStop : QSerialPort::OneStop);
+  const std::optional<LineSettings> wished = ReadLineSettings(settings);
+  if (!wished) return false;
+  line.setBaudRate(wished->baud);
+  line.setParity(wished->parity == 'E'   ? QSerialPort::EvenParity
+                 : wished->parity == 'O' ? QSerialPort::OddParity
+                                         : QSerialPort::NoParity);
+  line.setDataBits(wished->dataBits == 7 ? QSerialPort::Data7 : QSerialPort::Data8);
+  line.setStopBits(wished->stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   line.setFlowControl(QSerialPort::NoFlowControl);
   return true;
 }

@@ -76,20 +76,6 @@ double Luminance(const QColor& colour) {
   return 0.299 * colour.redF() + 0.587 * colour.greenF() + 0.114 * colour.blueF();
 }
 
-// Stands on the colour of windows, not of buttons.
-bool IsField(const Control& control) {
-  switch (control.kind) {
-    case ControlKind::TextField:
-    case ControlKind::TextArea:
-    case ControlKind::ListBox:
-    case ControlKind::TreeView:
-    case ControlKind::DropDownList:
-      return true;
-    default:
-      return false;
-  }
-}
-
 bool IsPlain(const Control& control) {
   return IsField(control)
              ? control.backColour == SystemWindow && control.foreColour == SystemWindowText

@@ -20,12 +20,13 @@
 #endif
 
 #include <QSocketNotifier>
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -85,23 +86,21 @@ std::shared_ptr<Port> Opened(PortHandle handle) {
 
 // ---- settings -----------------------------------------------------------------------------------
 
-// "9600,N,8,1"; false when that is none.
+// False when those are none, or a speed that a line does not have.
 bool Apply(termios& line, const std::string& settings) {
-  int baud = 0;
-  auto [rest, error] = std::from_chars(settings.data(), settings.data() + settings.size(), baud);
-  std::string mode(rest, settings.data() + settings.size());
-  const SpeedRow* row = nullptr;
-  for (const SpeedRow& speed : Speeds)
-    if (speed.baud == baud) row = &speed;
-  if (error != std::errc() || !row || mode.size() != 6) return false;
+  const std::optional<LineSettings> wished = ReadLineSettings(settings);
+  if (!wished) return false;
+  const auto* row = std::find_if(std::begin(Speeds), std::end(Speeds),
+                                 [&](const SpeedRow& speed) { return speed.baud == wished->baud; });
+  if (row == std::end(Speeds)) return false;
   ::cfmakeraw(&line);
   ::cfsetspeed(&line, row->speed);
   line.c_cflag |= CLOCAL | CREAD;
   line.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | PARODD | CSTOPB);
-  line.c_cflag |= mode[3] == '7' ? CS7 : CS8;
-  if (mode[1] == 'E' || mode[1] == 'O') line.c_cflag |= PARENB;
-  if (mode[1] == 'O') line.c_cflag |= PARODD;
-  if (mode[5] == '2') line.c_cflag |= CSTOPB;
+  line.c_cflag |= wished->dataBits == 7 ? CS7 : CS8;
+  if (wished->parity != 'N') line.c_cflag |= PARENB;
+  if (wished->parity == 'O') line.c_cflag |= PARODD;
+  if (wished->stopBits == 2) line.c_cflag |= CSTOPB;
     // A cable of three wires has no flow control, whatever another program has left behind.
 #ifdef CRTSCTS
   line.c_cflag &= ~static_cast<tcflag_t>(CRTSCTS);

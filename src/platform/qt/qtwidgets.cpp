@@ -2,11 +2,9 @@
 #include "platform/qt/qtwidgets.h"
 
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QProgressBar>
-#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOption>
 #include <QWheelEvent>
@@ -84,8 +82,7 @@ void Caption::SetWidthChars(int digits) {
 
 void Caption::SetWrap(bool wraps) {
   wrap = wraps;
-  QSizePolicy policy(wraps ? QSizePolicy::Preferred : QSizePolicy::Preferred,
-                     wraps ? QSizePolicy::Minimum : QSizePolicy::Fixed);
+  QSizePolicy policy(QSizePolicy::Preferred, wraps ? QSizePolicy::Minimum : QSizePolicy::Fixed);
   policy.setHeightForWidth(wraps);
   setSizePolicy(policy);
   hint = QSize();
