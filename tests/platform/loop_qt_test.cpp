@@ -22,11 +22,11 @@ class LoopQtTest : public ContractTest {
     return {took, static_cast<double>(std::clock() - cpu) * 1e6 / CLOCKS_PER_SEC};
   }
   // How often the signals, all at once, have clicked the close box of the frame, which refuses.
-  int TimesClosedBy(const std::vector<int>& signals) {
+  int TimesClosedBy(const std::vector<int>& requests) {
     int closed = 0, turns = 0;
     frame.closeBox = [&] { ++closed; };
     RunSoon([&] {
-      for (int number : signals) ::raise(number);
+      for (int number : requests) ::raise(number);
     });
     const int timer = StartTimer(1, [&] {
       if (++turns == 20) EndProgram();

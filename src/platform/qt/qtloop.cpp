@@ -223,7 +223,7 @@ int RunProgram() {
     QEventLoop events;
     loop.mainLoop = &events;
     if (loop.queueWaits) ScheduleTurn();
-    SignalWatch signals(CloseByRequest);
+    SignalWatch requests(CloseByRequest);
     events.exec();
     loop.mainLoop = nullptr;
   }
