@@ -193,6 +193,39 @@ TEST_F(SaveQtTest, FolderThatMayNotBeWrittenIsNoPermission) {
   ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
 }
 
+TEST_F(SaveQtTest, FileInAFolderThatMayNotBeWrittenIsWrittenOver) {
+  MakeFile(file, "a long old text");
+  ASSERT_EQ(::chmod(file.c_str(), 0666), 0);
+  ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
+  auto save = [&] {
+    return std::to_string(FailureOf([&] { SaveWholeFile(file, Bytes{'n', 'e', 'w'}); }));
+  };
+  EXPECT_EQ(AsOrdinaryUser(save), "0");
+  EXPECT_EQ(TextOf(file), "new");
+  ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
+}
+
+TEST_F(SaveQtTest, WritingOverThatDoesNotFitPutsTheOldBytesBack) {
+  MakeFile(file, "old");
+  ASSERT_EQ(::chmod(file.c_str(), 0666), 0);
+  ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
+  auto save = [&] {
+    LimitFiles();
+    return std::to_string(FailureOf([&] { SaveWholeFile(file, Bytes(2048, 7)); }));
+  };
+  EXPECT_EQ(AsOrdinaryUser(save), std::to_string(FailureDiskFull));
+  EXPECT_EQ(TextOf(file), "old");
+  ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
+}
+
+TEST_F(SaveQtTest, LongestNameOfAFileIsSaved) {
+  const std::string name = folder + "/" + std::string(251, 'n') + ".bin";
+  MakeFile(name, "old");
+  SaveWholeFile(name, Bytes{'n', 'e', 'w'});
+  EXPECT_EQ(TextOf(name), "new");
+  EXPECT_EQ(FilesInFolder(), 1u);
+}
+
 TEST_F(SaveQtTest, FileOfSomebodyElseIsNotReplaced) {
   MakeFile(file, "theirs");
   ASSERT_EQ(::chmod(file.c_str(), 0444), 0);

@@ -1,5 +1,7 @@
 // A save that leaves either the old file or the new one, whatever happens in the middle.
 #include <cerrno>
+#include <cstring>
+#include <vector>
 
 #include "platform/failure.h"
 #include "platform/files.h"
@@ -77,32 +79,72 @@ void SyncFolder(const fs::path& folder) {
     RaiseFailure(FailureDeviceIo);
 }
 
-// Writes the whole file under a name of its own and makes it durable.
-void WriteNew(const fs::path& name, const fs::path& target, std::span<const std::uint8_t> bytes) {
+// Hidden beside the target; a long name is cut, so that the whole is not too long for a file
+// system.
+fs::path NameBeside(const fs::path& target) {
+  constexpr std::size_t longest = 255;
+  const std::size_t room = longest - std::strlen(StrayBegin) - std::strlen(StrayEnd);
+  std::string name = StrayBegin;
+  name.append(target.filename().string().substr(0, room)).append(StrayEnd);
+  return target.parent_path() / name;
+}
+
+// Writes the whole file, makes it durable and puts it in the place of the target. Result: 0, or the
+// error of the system that keeps a new file from standing there.
+int Replace(const fs::path& name, const fs::path& target, std::span<const std::uint8_t> bytes) {
   constexpr mode_t readAndWrite = 0666;
   Descriptor file(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite));
-  if (file.Number() < 0) RaiseDiskFailure(errno, DiskText(name));
+  if (file.Number() < 0) return errno;
   WriteAll(file.Number(), bytes, DiskText(name));
   TakeOverRights(file.Number(), target);
   if (::fsync(file.Number()) != 0) RaiseDiskFailure(errno, DiskText(name));
   if (!file.Close()) RaiseDiskFailure(errno, DiskText(name));
+  return ::rename(name.c_str(), target.c_str()) == 0 ? 0 : errno;
+}
+
+// The folder takes no new file, or not in this place: it may not be written, or the file is mounted
+// by itself.
+bool FolderRefuses(int error) {
+  return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+}
+
+void Overwrite(int file, std::span<const std::uint8_t> bytes, const std::string& path) {
+  if (::lseek(file, 0, SEEK_SET) != 0) RaiseDiskFailure(errno, path);
+  WriteAll(file, bytes, path);
+  if (::ftruncate(file, static_cast<off_t>(bytes.size())) != 0) RaiseDiskFailure(errno, path);
+  if (::fsync(file) != 0) RaiseDiskFailure(errno, path);
+}
+
+// The old bytes are kept meanwhile, and go back when the new ones do not fit.
+void SaveInPlace(const fs::path& target, std::span<const std::uint8_t> bytes) {
+  const std::string path = DiskText(target);
+  const std::vector<std::uint8_t> old = ReadWholeFile(path);
+  Descriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
+  if (file.Number() < 0) RaiseDiskFailure(errno, path);
+  try {
+    Overwrite(file.Number(), bytes, path);
+  } catch (const Failure&) {
+    Overwrite(file.Number(), old, path);
+    throw;
+  }
 }
 
 void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
-  fs::path folder = target.parent_path();
-  std::string beside = StrayBegin;
-  beside.append(target.filename().string()).append(StrayEnd);
-  fs::path name = folder / beside;
+  const fs::path name = NameBeside(target);
   std::error_code ignored;
   fs::remove(name, ignored);  // what a killed save has left
+  int error = 0;
   try {
-    WriteNew(name, target, bytes);
-    if (::rename(name.c_str(), target.c_str()) != 0) RaiseDiskFailure(errno, DiskText(target));
+    error = Replace(name, target, bytes);
   } catch (const Failure&) {
     fs::remove(name, ignored);
     throw;
   }
-  SyncFolder(folder);
+  if (error == 0) return SyncFolder(target.parent_path());
+  fs::remove(name, ignored);
+  if (!FolderRefuses(error) || !fs::exists(target, ignored))
+    RaiseDiskFailure(error, DiskText(target));
+  SaveInPlace(target, bytes);
 }
 
 #endif
