@@ -53,6 +53,40 @@ expect_end() {
     die "$(cat "$out/program.log")"
 }
 
+# ---- the program's windows ----------------------------------------------------------------------
+
+frame='^Halvane2 Version'
+monitor='^Click Form to Activate Keys'
+
+main_frame() { wait_for 20 "the keys of the main frame" activate "$frame"; }
+
+# answer TITLE KEY: a box of this title comes up, and goes with this key.
+answer() {
+  wait_for 30 "the box '$1'" activate "$1"
+  keys "$2"
+  wait_for 10 "the end of the box '$1'" no_window_titled "$1"
+}
+
+# The screen options, then the monitor. The main menu is up and stays.
+choose_monitor() { # KEY of the choice
+  main_frame
+  keys alt+o
+  wait_for 20 "the screen options" activate 'SCREEN OPTIONS'
+  keys "$1" Escape
+  wait_for 10 "the main menu" no_window_titled 'SCREEN OPTIONS'
+  main_frame
+}
+
+# V8.bin is open, the calibration screen is up.
+open_calibration() {
+  keys alt+e
+  wait_for 20 "the open dialog" activate 'Open Halvane2 User BIN Files'
+  type_text "$garage/V8.bin"
+  keys Return
+  wait_for 20 "the opened file in the caption" window_titled "Currently Open 'BIN' File"
+  main_frame
+}
+
 # ---- the simulated ZEM --------------------------------------------------------------------------
 
 zem_said() { [ "$(grep -c "^$1" "$out/zem-says")" -gt "$2" ]; }
@@ -78,3 +112,9 @@ heard_more_than() { [ "$(times_heard "$2")" -gt "$1" ]; }
 # Whether the program has closed its terminal.
 terminal() { sed -n 's/^terminal //p' "$out/zem-says" | tail -n 1; }
 port_is_free() { [ -z "$(find "/proc/$program/fd" -lname "$(terminal)" 2>/dev/null)" ]; }
+
+frames_flow() {
+  local before
+  before=$(times_heard 46)
+  wait_for 30 "frames" heard_more_than $((before + 5)) 46
+}

@@ -7,34 +7,6 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/display.sh"
 . "$here/garage.sh"
 
-frame='^Halvane2 Version'
-monitor='^Click Form to Activate Keys'
-
-main_frame() { wait_for 20 "the keys of the main frame" activate "$frame"; }
-
-# answer TITLE KEY: a box of this title comes up, and goes with this key.
-answer() {
-  wait_for 30 "the box '$1'" activate "$1"
-  keys "$2"
-  wait_for 10 "the end of the box '$1'" no_window_titled "$1"
-}
-
-# The screen options, then the monitor. The main menu is up and stays.
-choose_monitor() { # KEY of the choice
-  main_frame
-  keys alt+o
-  wait_for 20 "the screen options" activate 'SCREEN OPTIONS'
-  keys "$1" Escape
-  wait_for 10 "the main menu" no_window_titled 'SCREEN OPTIONS'
-  main_frame
-}
-
-frames_flow() {
-  local before
-  before=$(times_heard 46)
-  wait_for 30 "frames" heard_more_than $((before + 5)) 46
-}
-
 # edit MS BYTE: an injector offset typed in the editor arrives in the unit.
 type_offset() {
   main_frame
@@ -52,12 +24,7 @@ start_display 1024 768
 start_zem
 start_program
 
-keys alt+e
-wait_for 20 "the open dialog" activate 'Open Halvane2 User BIN Files'
-type_text "$garage/V8.bin"
-keys Return
-wait_for 20 "the opened file in the caption" window_titled "Currently Open 'BIN' File"
-main_frame
+open_calibration
 keys Escape
 tell "opened V8.bin"
 
