@@ -88,6 +88,7 @@ SignalWatch::SignalWatch(std::function<void()> routine) : state(std::make_unique
 SignalWatch::~SignalWatch() {
   for (const auto& [number, former] : state->before) ::sigaction(number, &former, nullptr);
   signalPipe = -1;
+  state->notifier.reset();
   for (int end : state->pipe)
     if (end >= 0) ::close(end);
 }
