@@ -204,6 +204,13 @@ TEST_F(CanvasQtTest, ArcRunsCounterClockwiseFromThreeOClock) {
   EXPECT_FALSE(near(39, 24)) << "upper left";
 }
 
+TEST_F(CanvasQtTest, BroadArcEndsAtItsAngle) {
+  DrawArc(Canvas(), {60, 45}, 30, 0, 90, {.colour = Red, .width = 12});
+  EXPECT_EQ(Pixel(90, 42), RedPixel);
+  EXPECT_EQ(Pixel(90, 47), WhitePixel);
+  EXPECT_EQ(Pixel(57, 15), WhitePixel);
+}
+
 TEST_F(CanvasQtTest, TextStandsAtItsAnchor) {
   auto inked = [&](int from, int to) {
     QImage picture = Picture();

@@ -125,7 +125,13 @@ void PaintArc(QPainter& painter, const Primitive& arc) {
   QPainterPath path;
   path.arcMoveTo(around, arc.startDegrees);
   path.arcTo(around, arc.startDegrees, arc.sweepDegrees);
+  // The band of a dial ends where its value stands.
+  const QPen pen = painter.pen();
+  QPen flat = pen;
+  flat.setCapStyle(Qt::FlatCap);
+  painter.setPen(flat);
   painter.drawPath(path);
+  painter.setPen(pen);
 }
 
 void PaintShape(QPainter& painter, Pen& pen, const Primitive& shape) {
