@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/calls.h"
+#include "platform/fit.h"
 #include "platform/native.h"
 
 namespace {
@@ -31,6 +32,7 @@ void TakeAway(Screen& screen) {
 void Release(Screen& screen) {
   NativeDestroyScreen(screen);
   screen.native = nullptr;
+  ForgetFit(screen);
   if (!screen.controls.empty()) screen.former.push_back(std::move(screen.controls));
   screen.controls.clear();
   screen.focus = nullptr;

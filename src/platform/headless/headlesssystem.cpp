@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/canvas.h"
+#include "platform/fit.h"
 #include "platform/frame.h"
 #include "platform/headless/headless.h"
 #include "platform/headless/script.h"
@@ -175,6 +176,16 @@ void PrinterAbort() {
 // ---- desktop ------------------------------------------------------------------------------------
 
 int MaximisedFrameWidth() { return desktopWidth + 8; }
+
+// A desktop of 4:3, and a frame without borders and bars.
+Room RoomForWork() {
+  constexpr double pixelsPerTwip = 96.0 / 1440;
+  Frame* frame = TheFrame();
+  if (!frame || !frame->shown || frame->maximised) return {desktopWidth, desktopWidth * 3 / 4};
+  ReadFramePlace(*frame);
+  return {static_cast<int>(frame->width * pixelsPerTwip),
+          static_cast<int>(frame->height * pixelsPerTwip)};
+}
 
 // A typewriter font: 0.6 of its height wide, a little more in bold; 9 points is the desktop's.
 TextSize MeasureText(const std::string& text, double pointSize, bool bold) {

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/fit.h"
 #include "platform/frame.h"
 #include "platform/native.h"
 #include "platform/qt/qtbase.h"
@@ -245,6 +246,13 @@ void ReadFramePlace(Frame& frame) {
   frame.top = TwipsOfPixels(corner.y());
   frame.width = TwipsOfPixels(size.width());
   frame.height = TwipsOfPixels(size.height());
+}
+
+Room RoomForWork() {
+  const bool shown = mainWindow && mainWindow->isVisible();
+  QSize room =
+      shown ? mainWindow->stack->size() : QApplication::primaryScreen()->availableGeometry().size();
+  return {room.width(), room.height()};
 }
 
 int MaximisedFrameWidth() {

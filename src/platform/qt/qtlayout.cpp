@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/fit.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtscreen.h"
 
@@ -142,24 +143,27 @@ void PlaceInLine(const Screen& screen, Box& box, QBoxLayout& line) {
 }
 
 void LayOut(const Screen& screen, Box& box) {
+  const int wished = FitOf(screen).spacing;
+  const bool close = wished >= 0;
+  const int margin = close ? 2 * wished : ScreenMargin;
   bool inner = box.control && box.control->kind != ControlKind::Group;
   QLayout* layout = nullptr;
   if (box.IsGrid()) {
     auto* grid = Make<QGridLayout>(box.widget);
     PlaceInGrid(screen, box, *grid);
-    grid->setHorizontalSpacing(BetweenGridColumns);
-    grid->setVerticalSpacing(BetweenControls);
+    grid->setHorizontalSpacing(close ? 2 * wished : BetweenGridColumns);
+    grid->setVerticalSpacing(close ? wished : BetweenControls);
     layout = grid;
   } else {
     auto direction = box.IsRow() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
     auto* line = Make<QBoxLayout>(direction, box.widget);
-    line->setSpacing(BetweenControls);
+    line->setSpacing(close && !box.IsRow() ? wished : BetweenControls);
     PlaceInLine(screen, box, *line);
     layout = line;
   }
   if (inner) layout->setContentsMargins(0, 0, 0, 0);
-  if (!box.control)
-    layout->setContentsMargins(ScreenMargin, ScreenMargin, ScreenMargin, ScreenMargin);
+  if (!inner && close) layout->setContentsMargins(margin, margin, margin, margin);
+  if (!box.control) layout->setContentsMargins(margin, margin, margin, margin);
 }
 
 }  // namespace

@@ -22,6 +22,7 @@
 #include "platform/native.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtchild.h"
+#include "platform/qt/qtfit.h"
 #include "platform/qt/qtframe.h"
 #include "platform/qt/qtlayout.h"
 #include "platform/qt/qtloop.h"
@@ -36,10 +37,11 @@ QHash<const QWidget*, QtControl*> controlOf;
 std::vector<std::unique_ptr<QtScreen>> livingScreens;
 std::vector<std::unique_ptr<QtScreen>> releasedScreens;
 
-// Scrolls when there is less room than the content needs, and asks for what it needs.
+// Scrolls when there is less room than the content needs, and asks for what it needs. The texts of
+// a screen that lets them are fitted into the room before.
 class ScrolledContent : public QScrollArea {
  public:
-  explicit ScrolledContent(QWidget* parent) : QScrollArea(parent) {
+  ScrolledContent(QtScreen& ofScreen, QWidget* parent) : QScrollArea(parent), native(ofScreen) {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
@@ -48,9 +50,31 @@ class ScrolledContent : public QScrollArea {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (watched == widget() && event->type() == QEvent::LayoutRequest) updateGeometry();
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+      updateGeometry();
+      FitWhenItHasChanged();
+    }
     return QScrollArea::eventFilter(watched, event);
   }
+
+  void resizeEvent(QResizeEvent* event) override {
+    Fit();
+    QScrollArea::resizeEvent(event);
+  }
+
+ private:
+  void Fit() {
+    if (!widget()) return;
+    FitTextsInto(native, *widget(), maximumViewportSize());
+    fitted = widget()->minimumSizeHint();
+  }
+  // A control has been shown or hidden, or a text has outgrown its place.
+  void FitWhenItHasChanged() {
+    if (isVisible() && widget()->minimumSizeHint() != fitted) Fit();
+  }
+
+  QtScreen& native;
+  QSize fitted;  // what the content needed when its texts were fitted last
 };
 
 // A window of its own, above the frame or in front of it.
@@ -135,7 +159,7 @@ void CreatePage(QtScreen& native) {
   column->setSpacing(0);
   if (native.screen->placement == ScreenPlacement::Work)
     column->addWidget(CreateHeading(native, native.page));
-  auto* scrolled = Make<ScrolledContent>(native.page);
+  auto* scrolled = Make<ScrolledContent>(native, native.page);
   QWidget* holder = CreateHolder(native, scrolled);
   BuildControls(native);
   scrolled->setWidget(holder);

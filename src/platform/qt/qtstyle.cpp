@@ -76,6 +76,11 @@ double Luminance(const QColor& colour) {
   return 0.299 * colour.redF() + 0.587 * colour.greenF() + 0.114 * colour.blueF();
 }
 
+// Its mark stands on the ground of a field, whatever the ground of its caption is.
+bool HasMark(const Control& control) {
+  return control.kind == ControlKind::RadioButton || control.kind == ControlKind::CheckBox;
+}
+
 bool IsPlain(const Control& control) {
   return IsField(control)
              ? control.backColour == SystemWindow && control.foreColour == SystemWindowText
@@ -142,8 +147,8 @@ QFont FontOfSize(double pointSize, bool bold) {
   return font;
 }
 
-QFont FontOf(const Control& control) {
-  return FontOfSize(QApplication::font().pointSizeF() * control.fontScale, control.bold);
+QFont FontOf(const Control& control, double factor) {
+  return FontOfSize(QApplication::font().pointSizeF() * control.fontScale * factor, control.bold);
 }
 
 void ApplyColours(const Control& control, QWidget& widget) {
@@ -163,6 +168,8 @@ void ApplyColours(const Control& control, QWidget& widget) {
     palette.setColor(QPalette::Window, back);
     palette.setColor(QPalette::Base, back);
     if (!IsRole(control.backColour)) palette.setColor(QPalette::Button, back);
+  } else if (HasMark(control)) {
+    palette.setColor(QPalette::Text, QApplication::palette().color(QPalette::Text));
   }
   widget.setPalette(palette);
   bool fills = control.kind == ControlKind::Label || control.kind == ControlKind::RadioButton ||

@@ -20,6 +20,7 @@ QColor ReadableOn(const QColor& ground);
 QColor TextColourOf(const Control& control);
 // The nearest explicit back colour around a control, its own included, or a role.
 Colour GroundOf(const Control& control);
-QFont FontOf(const Control& control);
+// In the size of the desktop, times the control's scale and a factor of its screen.
+QFont FontOf(const Control& control, double factor = 1);
 QFont FontOfSize(double pointSize, bool bold);
 void ApplyColours(const Control& control, QWidget& widget);

@@ -136,6 +136,9 @@ QSize Field::sizeHint() const {
   QSize size = QLineEdit::sizeHint();
   int chars = widthChars > 0 ? widthChars : FieldCharsByDefault;
   size.rwidth() += Digits(*this, chars) - 17 * fontMetrics().horizontalAdvance(u'x') + 4;
+  // It leaves room for an icon too, which a field of small texts would show as empty height.
+  constexpr double mostOfFont = 1.6;
+  size.setHeight(std::min(size.height(), static_cast<int>(mostOfFont * fontMetrics().height())));
   return size;
 }
 
