@@ -31,7 +31,7 @@ double FittingPoints(const std::string& text, double width, double height, bool 
   constexpr double trial = 20;
   const TextSize size = MeasureText(text, trial, bold);
   if (size.width <= 0 || size.height <= 0) return trial;
-  return std::clamp(trial * std::min(width / size.width, height / size.height), 6.0, 48.0);
+  return std::clamp(trial * std::min(width / size.width, height / size.height), 6.0, 96.0);
 }
 
 struct Dial {
@@ -46,7 +46,7 @@ constexpr double dialsShare = 0.56;  // of the height
 
 // A dial as large as the room lets it be: a half circle with its digits below.
 Dial DialIn(double left, double width, double height) {
-  constexpr double side = 8, above = 0.06, below = 0.36;
+  constexpr double side = 8, above = 0.05, below = 0.44;
   const double radius = std::max(10.0, std::min(width / 2 - side, height / (1 + above + below)));
   const double top = (height - radius * (1 + above + below)) / 2;
   return {{left + width / 2, top + radius * (1 + above)}, radius};
@@ -128,9 +128,9 @@ void DrawNeedle(Control& canvas, const Dial& dial, int step, const std::string& 
                Polar(dial.centre, thick, degrees + 90), Polar(dial.centre, thick, degrees - 90)},
               {.colour = needleColour, .antialias = true});
   FillCircle(canvas, dial.centre, thick * 1.8, {.colour = needleColour, .antialias = true});
-  const double points = FittingPoints("00000", dial.radius * 0.9, dial.radius * 0.26, true);
+  const double points = FittingPoints("00000", dial.radius * 1.3, dial.radius * 0.36, true);
   DrawText(
-      canvas, {dial.centre.x, dial.centre.y + dial.radius * 0.24}, digits,
+      canvas, {dial.centre.x, dial.centre.y + dial.radius * 0.27}, digits,
       {.colour = colours.figure, .pointSize = points, .bold = true, .anchor = TextAnchor::Centre});
 }
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "monitors/livesession.h"
+#include "monitors/livefigures.h"
 #include "platform/screen.h"
 
 // What the instruments show.

@@ -1,9 +1,9 @@
-// Figures of the monitors: values from the live state, units, words and colours.
+// Figures of the monitors: values from the live state, units, words, colours and labels.
+#include "monitors/livefigures.h"
+
 #include "core/globalstate.h"
 #include "core/numbers.h"
 #include "core/settings.h"
-#include "link/liveframe.h"
-#include "monitors/livesession.h"
 
 std::string FigureText(const LiveFigure& figure) {
   if (figure.words)
@@ -62,4 +62,58 @@ MonitorColours ColoursOfSetting() {
   constexpr Colour brightRed = Rgb(255, 90, 80);
   if (ReadSetting("Options", "Monitor Screen") == 0) return {deepBlue, paleBlue, White, brightRed};
   return {Black, grey, White, brightRed};
+}
+
+// ---- labels -------------------------------------------------------------------------------------
+
+std::string CaptionLabel(const LiveFigure& figure) {
+  return std::string(figure.control) + "Caption";
+}
+std::string UnitLabel(const LiveFigure& figure) { return std::string(figure.control) + "Unit"; }
+
+void AddFigure(Screen& screen, const LiveFigure& figure, const char* grid, int row, int column,
+               const FigureStyle& style, const MonitorColours& colours) {
+  const int above = style.captionAbove ? 1 : 0;
+  const int digitsColumn = column + 1 - above;
+  Control caption{.name = CaptionLabel(figure),
+                  .caption = std::string(figure.caption),
+                  .place = {.in = grid, .row = row, .column = column, .align = Align::Fill},
+                  .textAlign = Align::Right,
+                  .backColour = colours.back,
+                  .foreColour = colours.caption};
+  Control digits = caption, unit = caption;
+  digits.name = figure.control;
+  digits.caption.clear();
+  digits.place = {.in = grid, .row = row + above, .column = digitsColumn, .align = Align::Fill};
+  digits.widthChars = style.digits;
+  digits.fontScale = style.scale;
+  digits.bold = true;
+  digits.foreColour = colours.figure;
+  digits.framed = style.framed;
+  digits.accessibleName = std::string(figure.caption) + " " + std::string(figure.unit);
+  unit.name = UnitLabel(figure);
+  unit.caption = FigureUnit(figure);
+  unit.place = digits.place;
+  unit.place.column = digitsColumn + 1;
+  unit.widthChars = style.unitDigits;
+  unit.textAlign = Align::Left;
+  for (Control* control : {&caption, &digits, &unit}) Add(screen, std::move(*control));
+}
+
+std::vector<FigureLabels> LabelsOf(Screen& screen, std::span<const LiveFigure> figures) {
+  std::vector<FigureLabels> labels;
+  for (const LiveFigure& figure : figures)
+    labels.push_back({&figure, &At(screen, figure.control), &At(screen, UnitLabel(figure))});
+  return labels;
+}
+
+void ClearFigures(std::span<const FigureLabels> labels) {
+  for (const FigureLabels& label : labels) SetCaption(*label.digits, "");
+}
+
+void ShowFigures(std::span<const FigureLabels> labels) {
+  for (const FigureLabels& label : labels) {
+    SetCaption(*label.digits, FigureText(*label.figure));
+    if (label.figure->unitNow) SetCaption(*label.unit, FigureUnit(*label.figure));
+  }
 }

@@ -72,34 +72,6 @@ void ShowLiveNow();
 // Frames decoded in the session that runs.
 long LiveFramesTaken();
 
-// ---- figures ------------------------------------------------------------------------------------
-
-// A figure of a monitor: where its text comes from.
-struct LiveFigure {
-  std::string_view control;            // the label that shows it
-  std::string_view caption;            // in front of it
-  std::string_view unit;               // behind it
-  std::string_view mask;               // of Format
-  double (*value)();                   // from Live
-  std::string (*words)() = nullptr;    // stands in its place unless empty ("OPEN", "DIS")
-  std::string (*unitNow)() = nullptr;  // a unit that depends on the keys, instead of `unit`
-  int widthChars = 5;
-};
-std::string FigureText(const LiveFigure& figure);
-std::string FigureUnit(const LiveFigure& figure);
-
-// Values, units and words as both monitors show them, in the units that are chosen.
-double ShownLoad();  // kPa or IN-Hg; % in MAF mode
-std::string LoadUnit();
-double ShownClt();
-double ShownMat();
-std::string TemperatureUnit();  // degree sign and letter
-double ShownFuelFlow();
-std::string FuelFlowUnit();   // "LPH" or "GPH"
-std::string FuelFlowWords();  // "0" without an injector size
-std::string LoopWords();      // "OPEN" while ClosedLoop is false
-std::string GamaWords();      // "DIS" while bit 4 of OptionFlags is clear
-
 // What the last complete pair of frames says: the mean of its two speeds, and the injector's times
 // at its second frame. All 0 before the first pair of a session.
 struct FramePair {
@@ -108,14 +80,3 @@ struct FramePair {
   double pwOffMs = 0;
 };
 const FramePair& LastFramePair();
-
-// ---- colours ------------------------------------------------------------------------------------
-
-struct MonitorColours {
-  Colour back;
-  Colour caption;
-  Colour figure;
-  Colour warning;
-};
-// By the setting "Monitor Screen": blue for 0, otherwise black.
-MonitorColours ColoursOfSetting();

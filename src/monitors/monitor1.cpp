@@ -1,9 +1,9 @@
 // The analog monitor: picture, keys, commands and showing.
 #include "monitors/monitor1.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 #include "core/globalstate.h"
 #include "core/numbers.h"
@@ -12,8 +12,9 @@
 #include "monitors/dials.h"
 #include "monitors/instruments.h"
 #include "monitors/monitor1entry.h"
+#include "monitors/monitor1picture.h"
+#include "monitors/monitorkeys.h"
 #include "monitors/sensorstatus.h"
-#include "platform/frame.h"
 #include "platform/system.h"
 #include "shell/calscreen.h"
 #include "shell/commands.h"
@@ -21,15 +22,6 @@
 #include "shell/navigation.h"
 
 namespace {
-
-template <LiveField field>
-double Plain() {
-  return Live[field];
-}
-template <LiveField field>
-double TimesHundred() {
-  return Live[field] * 100;
-}
 
 constexpr std::array<LiveFigure, 11> figures = {{
     {"Adv", "ADVANCE", "DEG", "##.0", Plain<LiveField::Adv>},
@@ -64,220 +56,18 @@ constexpr const char* helpLines[] = {
     "F1 = This Help Screen",
 };
 
-constexpr int failedLines = 6;
-constexpr int disabledLines = 5;
-constexpr int intermitLines = 7;
-struct StatusColumn {
-  const char* name;
-  const char* title;
-  int lines;
-};
-constexpr StatusColumn statusColumns[] = {
-    {"Failed", "FAILED", failedLines},
-    {"Disabled", "DISABLED", disabledLines},
-    {"Intermit", "INTERMIT", intermitLines},
-};
-
-struct Lamp {
-  const char* name;
-  const char* caption;
-};
-constexpr Lamp lamps[] = {
-    {"OverRev", "OverRev"},
-    {"SensorFailed", "Sensor Failed"},
-    {"IntermittentFail", "Intermittent Fail"},
-};
-
-constexpr Colour lampRed = Rgb(220, 40, 40);
-constexpr Colour lampGreen = Rgb(30, 150, 60);
-constexpr Colour buttonFace = Rgb(225, 228, 235);
-
 // As the screen was built.
 MonitorColours colours;
 InstrumentFaces faces;
 bool leaveForEditors = false;
+// While the screen is loaded.
+std::vector<FigureLabels> labels;
 
 // ---- picture ------------------------------------------------------------------------------------
 
-Control Text(std::string name, std::string caption, Place place) {
-  return {.name = std::move(name),
-          .caption = std::move(caption),
-          .place = std::move(place),
-          .backColour = colours.back,
-          .foreColour = colours.caption};
-}
-
-void AddBox(Screen& screen, const char* name, ControlKind kind, Place place,
-            const char* caption = "") {
-  Add(screen, {.name = name,
-               .kind = kind,
-               .caption = caption,
-               .place = std::move(place),
-               .foreColour = colours.caption});
-}
-
-void AddCanvas(Screen& screen, const char* name, Place place, int width, int height,
-               const char* spoken) {
-  Add(screen, {.name = name,
-               .kind = ControlKind::Canvas,
-               .place = std::move(place),
-               .minWidth = width,
-               .minHeight = height,
-               .backColour = colours.back,
-               .accessibleName = spoken});
-}
-
-void AddHead(Screen& screen) {
-  AddBox(screen, "Head", ControlKind::Row, {});
-  Add(screen, Text("BinCaption", "Loaded ZEM \"BIN\" File", {.in = "Head"}));
-  Control name = Text("BinName", "", {.in = "Head"});
-  name.widthChars = 22;
-  name.bold = true;
-  name.foreColour = colours.figure;
-  name.framed = true;
-  Add(screen, name);
-  Add(screen, Text("PromCaption", "Halvane Prom Version", {.in = "Head"}));
-  name.name = "PromVersion";
-  name.widthChars = 10;
-  Add(screen, name);
-  Add(screen, {.name = "HeadGap", .kind = ControlKind::Spacer, .place = {.in = "Head"}});
-  Control none = Text("NoBin", "NO BIN FILE OPEN", {.in = "Head"});
-  none.bold = true;
-  none.foreColour = colours.warning;
-  Add(screen, none);
-}
-
-void AddFigure(Screen& screen, const LiveFigure& figure, int index) {
-  constexpr int rows = 3;
-  const int row = index % rows;
-  const int column = index / rows * 3;
-  const std::string name(figure.control);
-  Control caption = Text(name + "Caption", std::string(figure.caption),
-                         {.in = "Figures", .row = row, .column = column, .align = Align::Fill});
-  caption.textAlign = Align::Right;
-  Add(screen, caption);
-  Control value =
-      Text(name, "", {.in = "Figures", .row = row, .column = column + 1, .align = Align::Fill});
-  value.widthChars = 7;
-  value.textAlign = Align::Right;
-  value.fontScale = 1.6;
-  value.bold = true;
-  value.foreColour = colours.figure;
-  value.accessibleName = std::string(figure.caption);
-  Add(screen, value);
-  Control unit = Text(name + "Unit", FigureUnit(figure),
-                      {.in = "Figures", .row = row, .column = column + 2, .align = Align::Fill});
-  unit.widthChars = 4;
-  unit.textAlign = Align::Left;
-  Add(screen, unit);
-}
-
-std::string LineName(const StatusColumn& column, int line) {
-  return column.name + std::to_string(line);
-}
-
-void AddSensorStatus(Screen& screen) {
-  AddBox(screen, "Sensors", ControlKind::Group, {.in = "Lower"}, "Sensors Status");
-  AddBox(screen, "SensorGrid", ControlKind::Grid, {.in = "Sensors"});
-  int at = 0;
-  for (const StatusColumn& column : statusColumns) {
-    Control title = Text(std::string(column.name) + "Title", column.title,
-                         {.in = "SensorGrid", .row = 0, .column = at, .align = Align::Fill});
-    title.bold = true;
-    title.textAlign = Align::Centre;
-    title.widthChars = 10;
-    Add(screen, title);
-    for (int line = 0; line < column.lines; ++line) {
-      Control text =
-          Text(LineName(column, line), "",
-               {.in = "SensorGrid", .row = line + 1, .column = at, .align = Align::Fill});
-      text.widthChars = 10;
-      text.textAlign = Align::Centre;
-      text.foreColour = colours.figure;
-      Add(screen, text);
-    }
-    ++at;
-  }
-}
-
-void AddLamps(Screen& screen) {
-  AddBox(screen, "Lamps", ControlKind::Column, {.in = "Lower"});
-  for (const Lamp& lamp : lamps)
-    Add(screen, {.name = lamp.name,
-                 .caption = lamp.caption,
-                 .place = {.in = "Lamps", .align = Align::Fill},
-                 .widthChars = 16,
-                 .textAlign = Align::Centre,
-                 .bold = true,
-                 .backColour = lampGreen,
-                 .foreColour = White,
-                 .framed = true});
-  Add(screen, {.name = "LampGap", .kind = ControlKind::Spacer, .place = {.in = "Lamps"}});
-}
-
-void AddFoot(Screen& screen) {
-  AddBox(screen, "Foot", ControlKind::Row, {});
-  Add(screen, Text("EnterLine", "Must Press Enter to Change Values", {.in = "Foot"}));
-  Control status = Text("EntryStatus", "ACTIVE", {.in = "Foot"});
-  status.widthChars = 12;
-  status.foreColour = White;
-  status.bold = true;
-  status.textAlign = Align::Centre;
-  Add(screen, status);
-  Add(screen, {.name = "FootGap", .kind = ControlKind::Spacer, .place = {.in = "Foot"}});
-  Add(screen, Text("HelpLine", "Press F1 For Help", {.in = "Foot"}));
-  Add(screen, {.name = "Command1",
-               .kind = ControlKind::Button,
-               .caption = "<< BACK",
-               .place = {.in = "Foot"},
-               .backColour = buttonFace,
-               .foreColour = Black});
-}
-
-// A monitor that has to be scrolled shows nothing in time: where the desktop's font is too large
-// for its display, the texts beside the dials become smaller.
-double TextScale() {
-  constexpr double linesHigh = 26, restHigh = 310, digitsWide = 68, gapsWide = 110;
-  constexpr double smallest = 0.55;
-  // Displays of 1024 to 1280 are 4:3; wider ones, and those that a desktop enlarges, 16:9.
-  constexpr double first = 1000, last = 1280;
-  const double width = MaximisedFrameWidth();
-  const double height = width * (width >= first && width < last ? 3.0 / 4 : 9.0 / 16);
-  const TextSize digit = MeasureText("0");
-  const double caption = MeasureText("9. CHANGE AFR OFFSET (UP/ DOWN Arrow Keys) =").width;
-  const double wide = (width - gapsWide) / (caption + digitsWide * digit.width);
-  const double high = (height - restHigh) / (linesHigh * digit.height);
-  return std::clamp(std::min(wide, high), smallest, 1.0);
-}
-
 void Build(Screen& screen) {
   colours = ColoursOfSetting();
-  screen.backColour = colours.back;
-  AddHead(screen);
-  AddCanvas(screen, "Dials", {.stretch = 1}, 480, 150,
-            "Dials of ERPM, CLT, MAT and TPS, bars of MAP, EGO and injector duty cycle");
-  AddBox(screen, "Figures", ControlKind::Grid, {});
-  for (std::size_t i = 0; i < figures.size(); ++i)
-    AddFigure(screen, figures[i], static_cast<int>(i));
-  AddBox(screen, "Lower", ControlKind::Row, {});
-  AddBox(screen, "Offsets", ControlKind::Grid, {.in = "Lower"});
-  AddOffsetControls(screen, "Offsets", colours);
-  Add(screen, {.name = "LowerGap", .kind = ControlKind::Spacer, .place = {.in = "Lower"}});
-  AddSensorStatus(screen);
-  AddLamps(screen);
-  AddFoot(screen);
-  const double scale = TextScale();
-  for (Control& control : screen.controls) control.fontScale *= scale;
-}
-
-void BuildHelp(Screen& screen) {
-  int number = 1;
-  for (const char* line : helpLines)
-    Add(screen, {.name = "Label" + std::to_string(number++), .caption = line});
-  Add(screen, {.name = "Command1",
-               .kind = ControlKind::Button,
-               .caption = "<< BACK",
-               .place = {.align = Align::Right}});
+  BuildMonitor1(screen, figures, colours);
 }
 
 // ---- showing ------------------------------------------------------------------------------------
@@ -337,11 +127,7 @@ void ShowSensors() {
 }
 
 void ShowAll() {
-  for (const LiveFigure& figure : figures) {
-    SetCaption(At(Monitor1, figure.control), FigureText(figure));
-    if (figure.unitNow)
-      SetCaption(At(Monitor1, std::string(figure.control) + "Unit"), FigureUnit(figure));
-  }
+  ShowFigures(labels);
   ShowInstruments();
   ShowSensors();
   ShowOffsets(Monitor1);
@@ -350,7 +136,7 @@ void ShowAll() {
 // ---- the loop's routines ------------------------------------------------------------------------
 
 void Prepare() {
-  for (const LiveFigure& figure : figures) SetCaption(At(Monitor1, figure.control), "");
+  ClearFigures(labels);
   BeginOffsets(Monitor1);
   ShowFaces();
 }
@@ -422,16 +208,7 @@ void ToggleUnits() {
   ShowLiveNow();
 }
 
-void ToggleFuelUnit() {
-  FuelInLitres = !FuelInLitres;
-  ShowLiveNow();
-}
-
-struct KeyRow {
-  int key;
-  void (*run)();
-};
-constexpr KeyRow keys[] = {
+constexpr MonitorKey keys[] = {
     {KeyEscape, StopLive},
     {'C', ToggleLoopControl},
     {'E',
@@ -439,24 +216,17 @@ constexpr KeyRow keys[] = {
        leaveForEditors = true;
        StopLive();
      }},
-    {'F', ToggleFuelUnit},
+    {'F', [] { ToggleShown(FuelInLitres); }},
     {'K', AskToKillEngine},
     {'T', ToggleUnits},
     {KeyF1, [] { ShowScreen(Monitor1Help); }},
 };
 
 void OnKey(Screen& screen, KeyEvent& event) {
-  if (event.ctrl || event.alt) return;
-  if (OffsetKeyDown(screen, event)) {
+  if (OffsetKeyDown(screen, event))
     event.handled = true;
-    return;
-  }
-  for (const KeyRow& row : keys) {
-    if (row.key != event.key) continue;
-    event.handled = true;
-    row.run();
-    return;
-  }
+  else
+    RunMonitorKey(keys, event);
 }
 
 void OnClick(Screen& screen, Control& control) {
@@ -467,6 +237,7 @@ void OnClick(Screen& screen, Control& control) {
 }
 
 void Unload(Screen&) {
+  labels.clear();
   LiveScreenUnloaded();
   UnloadScreen(Monitor1Help);
   UnloadScreen(MonitorInputError);
@@ -482,7 +253,8 @@ void Resized(Screen&, Control&) {
 Screen Monitor1{.name = "Monitor1",
                 .title = "ENGINE MONITOR",
                 .build = Build,
-                .on = {.unload = Unload,
+                .on = {.load = [](Screen& screen) { labels = LabelsOf(screen, figures); },
+                       .unload = Unload,
                        .closeBox = [](Screen&) { StopLive(); },
                        .keyDown = OnKey,
                        .keyPress = OffsetKeyPress,
@@ -493,15 +265,7 @@ Screen Monitor1{.name = "Monitor1",
                 .cancelButton = "Command1",
                 .defaultFocus = "Command1"};
 
-Screen Monitor1Help{.name = "Monitor1Help",
-                    .title = "Halvane Monitor Help Screen",
-                    .placement = ScreenPlacement::Above,
-                    .build = BuildHelp,
-                    .on = {.click =
-                               [](Screen& screen, Control& control) {
-                                 if (control.name == "Command1") UnloadScreen(screen);
-                               }},
-                    .cancelButton = "Command1"};
+Screen Monitor1Help = MonitorHelp("Monitor1Help", "Halvane Monitor Help Screen", helpLines);
 
 std::span<const LiveFigure> Monitor1Figures() { return figures; }
 std::span<const char* const> Monitor1HelpLines() { return helpLines; }

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "monitors/livefigures.h"
 #include "monitors/livesession.h"
 #include "platform/screen.h"
 

@@ -7,6 +7,7 @@
 #include "core/numbers.h"
 #include "link/liveframe.h"
 #include "link/onfly.h"
+#include "monitors/monitorkeys.h"
 #include "platform/dialogs.h"
 
 namespace {
@@ -51,7 +52,6 @@ std::string LabelOf(std::string_view control) { return std::string(control) + "L
 
 void Mark(Screen& screen, const Control& control, bool marked) {
   Control& label = At(screen, LabelOf(control.name));
-  label.bold = marked;
   SetBackColour(label, marked ? White : screen.backColour);
   SetForeColour(label, marked ? Black : At(screen, "EnterLine").foreColour);
 }
@@ -77,9 +77,10 @@ void ShowRefusal(const OffsetField& row) {
 }
 
 void BuildRefusal(Screen& screen) {
+  constexpr int titleDigits = 30;  // the title bar shows its whole text
   Add(screen, {.name = "Label1", .caption = "  Enter New Value"});
   Add(screen, {.name = "Label2", .caption = "    in the Range:"});
-  Add(screen, {.name = "Label3", .caption = shownRefusal, .bold = true});
+  Add(screen, {.name = "Label3", .caption = shownRefusal, .widthChars = titleDigits, .bold = true});
   Add(screen, {.name = "Command1",
                .kind = ControlKind::Button,
                .caption = "OK",
@@ -158,10 +159,7 @@ Screen MonitorInputError{.name = "MonitorInputError",
                          .title = "DATA INPUT ERROR",
                          .placement = ScreenPlacement::Dialog,
                          .build = BuildRefusal,
-                         .on = {.click =
-                                    [](Screen& screen, Control& control) {
-                                      if (control.name == "Command1") UnloadScreen(screen);
-                                    }},
+                         .on = {.click = CloseByButton},
                          .cancelButton = "Command1",
                          .defaultFocus = "Command1"};
 
@@ -201,24 +199,30 @@ void AddField(Screen& screen, const char* container, int row, const char* contro
                .foreColour = Black});
 }
 
-void AddOption(Screen& screen, const char* container, int row, const char* name,
-               const char* caption, const MonitorColours& colours) {
+constexpr const char* optionsRow = "Options";
+
+void AddOption(Screen& screen, const char* name, const char* caption,
+               const MonitorColours& colours) {
   Add(screen, {.name = name,
                .kind = ControlKind::RadioButton,
                .caption = caption,
-               .place = {.in = container, .row = row, .column = 0, .columnSpan = 2},
+               .place = {.in = optionsRow},
                .foreColour = colours.caption});
 }
 
 }  // namespace
 
-void AddOffsetControls(Screen& screen, const char* container, const MonitorColours& colours) {
-  AddOption(screen, container, 0, zeroOption, "&1. SET ADVANCE TO ZERO", colours);
-  AddOption(screen, container, 1, clearOption, "&2. CLEAR ZERO ADVANCE", colours);
-  int line = 2;
+int AddOffsetControls(Screen& screen, const char* container, const MonitorColours& colours) {
+  Add(screen, {.name = optionsRow,
+               .kind = ControlKind::Row,
+               .place = {.in = container, .row = 0, .column = 0, .columnSpan = 2}});
+  AddOption(screen, zeroOption, "&1. SET ADVANCE TO ZERO", colours);
+  AddOption(screen, clearOption, "&2. CLEAR ZERO ADVANCE", colours);
+  int line = 1;
   for (const OffsetField& row : fields)
     AddField(screen, container, line++, row.control, row.caption, colours);
-  AddField(screen, container, line, afrField, afrCaption, colours);
+  AddField(screen, container, line++, afrField, afrCaption, colours);
+  return line;
 }
 
 void BeginOffsets(Screen& screen) {

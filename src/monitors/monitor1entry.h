@@ -5,7 +5,7 @@
 #include <array>
 #include <span>
 
-#include "monitors/livesession.h"
+#include "monitors/livefigures.h"
 #include "platform/screen.h"
 
 // A field that takes a number. Values are tested and stored as the mask shows them.
@@ -28,8 +28,9 @@ extern bool FieldEditing;
 // The panel "DATA INPUT ERROR" with the range that an entry must keep.
 extern Screen MonitorInputError;
 
-// Adds captions, fields and the two options to the container of this name.
-void AddOffsetControls(Screen& screen, const char* container, const MonitorColours& colours);
+// Adds the two options, captions and fields to the grid of this name. Result: how many of its rows
+// they take.
+int AddOffsetControls(Screen& screen, const char* container, const MonitorColours& colours);
 // Start values of a session: nothing is edited, zero advance is cleared.
 void BeginOffsets(Screen& screen);
 // What the opening commands have left in the control unit: the injector offset that it has told, no

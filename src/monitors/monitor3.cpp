@@ -3,12 +3,14 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "core/globalstate.h"
 #include "link/comm.h"
 #include "link/liveframe.h"
 #include "link/onfly.h"
 #include "link/postedwrite.h"
+#include "monitors/monitorkeys.h"
 #include "shell/calscreen.h"
 #include "shell/navigation.h"
 
@@ -16,16 +18,9 @@ namespace {
 
 // Three blocks of six, beside each other, so that the window stays low above an editor.
 constexpr int rowsOfBlock = 6;
-constexpr int unitChars = 6;
+constexpr int columnsOfFigure = 3;
+constexpr FigureStyle figureStyle{.scale = 1.3, .digits = 7, .unitDigits = 6, .framed = true};
 
-template <LiveField field>
-double Plain() {
-  return Live[field];
-}
-template <LiveField field>
-double TimesHundred() {
-  return Live[field] * 100;
-}
 double DutyPercent() { return Live.duty * 100; }
 
 constexpr std::array<LiveFigure, 18> figures = {{
@@ -59,48 +54,21 @@ constexpr std::array helpLines = {
 // As the screen was built.
 MonitorColours colours;
 
-std::string Named(std::string_view control, std::string_view part) {
-  return std::string(control) + std::string(part);
-}
-constexpr std::string_view captionPart = "Caption";
-constexpr std::string_view unitPart = "Unit";
+// While the screen is loaded.
+std::vector<FigureLabels> labels;
 
 // ---- picture ------------------------------------------------------------------------------------
-
-void AddFigure(Screen& screen, const LiveFigure& figure, int index) {
-  const int row = index % rowsOfBlock;
-  const int column = index / rowsOfBlock * 3;
-  Add(screen, {.name = Named(figure.control, captionPart),
-               .caption = std::string(figure.caption),
-               .place = {.in = "Figures", .row = row, .column = column, .align = Align::Fill},
-               .textAlign = Align::Right,
-               .backColour = colours.back,
-               .foreColour = colours.caption});
-  Add(screen, {.name = std::string(figure.control),
-               .place = {.in = "Figures", .row = row, .column = column + 1, .align = Align::Fill},
-               .widthChars = 7,
-               .textAlign = Align::Right,
-               .fontScale = 1.3,
-               .bold = true,
-               .backColour = colours.back,
-               .foreColour = colours.figure,
-               .framed = true,
-               .accessibleName = Named(figure.caption, Named(" ", figure.unit))});
-  Add(screen, {.name = Named(figure.control, unitPart),
-               .caption = FigureUnit(figure),
-               .place = {.in = "Figures", .row = row, .column = column + 2, .align = Align::Fill},
-               .widthChars = unitChars,
-               .textAlign = Align::Left,
-               .backColour = colours.back,
-               .foreColour = colours.caption});
-}
 
 void Build(Screen& screen) {
   colours = ColoursOfSetting();
   screen.backColour = colours.back;
   Add(screen, {.name = "Figures", .kind = ControlKind::Grid, .backColour = colours.back});
-  for (std::size_t i = 0; i < figures.size(); ++i)
-    AddFigure(screen, figures[i], static_cast<int>(i));
+  int at = 0;
+  for (const LiveFigure& figure : figures) {
+    AddFigure(screen, figure, "Figures", at % rowsOfBlock, at / rowsOfBlock * columnsOfFigure,
+              figureStyle, colours);
+    ++at;
+  }
   Add(screen, {.name = "Foot", .kind = ControlKind::Row, .backColour = colours.back});
   Add(screen, {.name = "Status",
                .place = {.in = "Foot"},
@@ -117,39 +85,14 @@ void Build(Screen& screen) {
                .foreColour = Black});
 }
 
-void BuildHelp(Screen& screen) {
-  int number = 1;
-  for (const char* line : helpLines)
-    Add(screen, {.name = "Label" + std::to_string(number++), .caption = line});
-  Add(screen, {.name = "Command1",
-               .kind = ControlKind::Button,
-               .caption = "<< BACK",
-               .place = {.align = Align::Right}});
-}
-
 void ShowStatus(const char* text, Colour colour) {
   Control& status = At(Monitor3, "Status");
   SetCaption(status, text);
   SetBackColour(status, colour);
 }
 
-// The labels of the figures while the screen is loaded, so that a frame is shown without a search.
-struct FigureLabels {
-  Control* value;
-  Control* unit;
-};
-std::array<FigureLabels, figures.size()> labels;
-
-void Load(Screen& screen) {
-  for (std::size_t i = 0; i < figures.size(); ++i)
-    labels[i] = {&At(screen, figures[i].control), &At(screen, Named(figures[i].control, unitPart))};
-}
-
-void ShowFigures() {
-  for (std::size_t i = 0; i < figures.size(); ++i) {
-    SetCaption(*labels[i].value, FigureText(figures[i]));
-    if (figures[i].unitNow) SetCaption(*labels[i].unit, FigureUnit(figures[i]));
-  }
+void ShowAll() {
+  ShowFigures(labels);
   SetForeColour(At(Monitor3, "DutyCaption"),
                 DutyPercent() > 100 ? colours.warning : colours.caption);
 }
@@ -173,7 +116,7 @@ AfterCommands SendCommands() {
 }
 
 void Prepare() {
-  for (const LiveFigure& figure : figures) SetCaption(At(Monitor3, figure.control), "");
+  ClearFigures(labels);
   ShowStatus("ONFLY OFF", SystemButtonFace);
 }
 
@@ -193,42 +136,21 @@ constexpr LiveMonitor monitor = {
     .prepare = Prepare,
     .send = SendCommands,
     .decoded = [] { ShowStatus("ONFLY IDLE", Green); },
-    .show = ShowFigures,
+    .show = ShowAll,
     .over = SessionIsOver,
 };
 
 // ---- keys ---------------------------------------------------------------------------------------
 
-void Toggle(bool& flag) {
-  flag = !flag;
-  ShowLiveNow();
-}
-
-struct KeyRow {
-  int key;
-  void (*run)();
-};
-constexpr KeyRow keys[] = {
-    {KeyEnter, [] { Monitor3KeyCode = KeyEnter; }},
-    {KeyEscape, StopLive},
-    {'T', [] { Toggle(ImperialUnits); }},
-    {'C', ToggleLoopControl},
-    {'F', [] { Toggle(FuelInLitres); }},
-    {'K', AskToKillEngine},
+constexpr MonitorKey keys[] = {
+    {KeyEnter, [] { Monitor3KeyCode = KeyEnter; }}, {KeyEscape, StopLive},
+    {'T', [] { ToggleShown(ImperialUnits); }},      {'C', ToggleLoopControl},
+    {'F', [] { ToggleShown(FuelInLitres); }},       {'K', AskToKillEngine},
     {KeyF1, [] { ShowScreen(Monitor3Help); }},
 };
 
-void OnKey(Screen&, KeyEvent& event) {
-  if (event.ctrl || event.alt) return;
-  for (const KeyRow& row : keys) {
-    if (row.key != event.key) continue;
-    event.handled = true;
-    row.run();
-    return;
-  }
-}
-
 void Unload(Screen&) {
+  labels.clear();
   LiveScreenUnloaded();
   UnloadScreen(Monitor3Help);
 }
@@ -241,10 +163,10 @@ Screen Monitor3{.name = "Monitor3",
                 .title = "Click Form to Activate Keys    \"F1\" For Help",
                 .placement = ScreenPlacement::Above,
                 .build = Build,
-                .on = {.load = Load,
+                .on = {.load = [](Screen& screen) { labels = LabelsOf(screen, figures); },
                        .unload = Unload,
                        .closeBox = [](Screen&) { StopLive(); },
-                       .keyDown = OnKey,
+                       .keyDown = [](Screen&, KeyEvent& event) { RunMonitorKey(keys, event); },
                        .click =
                            [](Screen&, Control& control) {
                              if (control.name == "Command1") StopLive();
@@ -252,15 +174,7 @@ Screen Monitor3{.name = "Monitor3",
                 .cancelButton = "Command1",
                 .defaultFocus = "Command1"};
 
-Screen Monitor3Help{.name = "Monitor3Help",
-                    .title = "Halvane2 Fast Help",
-                    .placement = ScreenPlacement::Above,
-                    .build = BuildHelp,
-                    .on = {.click =
-                               [](Screen& screen, Control& control) {
-                                 if (control.name == "Command1") UnloadScreen(screen);
-                               }},
-                    .cancelButton = "Command1"};
+Screen Monitor3Help = MonitorHelp("Monitor3Help", "Halvane2 Fast Help", helpLines);
 
 std::span<const LiveFigure> Monitor3Figures() { return figures; }
 

@@ -4,6 +4,7 @@
 
 #include <span>
 
+#include "monitors/livefigures.h"
 #include "monitors/livesession.h"
 #include "platform/screen.h"
 
