@@ -66,6 +66,7 @@ TEST_F(Refresh, AFieldThatWasNotEditedShowsTheNewValueSelected) {
 TEST_F(Refresh, WhatTheProgramHasWrittenIsNotTakenForTyped) {
   Select(2);
   FillWith("F3", "12");
+  Question();
   CalValues[126] = 0.44F;
   RefreshActiveEditor();
   EXPECT_EQ(CellText(2), "44");

@@ -68,7 +68,8 @@ class GraphInProgram : public PlatformTest {
     values[233] = 1;
     values[459] = 1;
     for (std::size_t i = 0; i < 8; ++i) {
-      values[45 + i] = ve > 0 ? 500.0F * static_cast<float>(i + 1) : 600.0F * static_cast<float>(i);
+      values[45 + i] =
+          ve > 0 ? 500.0F * static_cast<float>(i + 1) : 600.0F * static_cast<float>(i + 1);
       values[53 + i] = 20 + 10.0F * static_cast<float>(i);
     }
     for (std::size_t cell = 1; cell <= 64; ++cell) {
@@ -82,6 +83,7 @@ class GraphInProgram : public PlatformTest {
   }
   static void OpenFile(const std::string& path) {
     AnswerNextFile(path);
+    if (!CurrentBinPath.empty()) AnswerNextBox(Answer::Yes);
     ChooseMenu("mnuFileOpen");
     RunPending();
     while (AnyBoxShown()) TakeBox();
@@ -118,9 +120,9 @@ TEST_F(GraphInProgram, AnotherFileUnderItIsShownAndNotOverwritten) {
   OpenFile(MakeCalibration("Other.bin", -0.25F));
   EXPECT_EQ(TopWorkScreen(), &Graph3D);
   EXPECT_EQ(TableWork[9][11], -25);
-  EXPECT_EQ(RpmAxis[5], 600);
+  EXPECT_EQ(RpmAxis[5], 1200);
   EXPECT_EQ(Shown("Value_Text"), "-25.00");
-  EXPECT_NE(Picture(), before);
+  EXPECT_FALSE(Picture() == before);
   const auto read = CalValues;
   EXPECT_EQ(read[125], -0.25F);
   PressKey("Right");
