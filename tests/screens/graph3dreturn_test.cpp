@@ -173,7 +173,9 @@ TEST_F(GraphInProgram, ItRefusesToStepInASessionThatBeganUnderIt) {
       const auto before = CalValues;
       PressKey(key);
       EXPECT_EQ(AnyBoxShown(), c.refused) << key;
-      if (AnyBoxShown()) EXPECT_EQ(TakeBox().text, unavailable);
+      if (AnyBoxShown()) {
+        EXPECT_EQ(TakeBox().text, unavailable);
+      }
       EXPECT_EQ(CalValues == before, c.refused) << key;
       EXPECT_EQ(CalChanged, !c.refused) << key;
     }

@@ -30,7 +30,9 @@ TEST_F(TableMinus, OnlyACorrectionIsSigned) {
     Type(c.field, "-");
     EXPECT_EQ(EntryPending, 0);
     EXPECT_EQ(AnyBoxShown(), !c.taken);
-    if (AnyBoxShown()) EXPECT_EQ(Message(), "Data Input Error\n\r  Retype Data");
+    if (AnyBoxShown()) {
+      EXPECT_EQ(Message(), "Data Input Error\n\r  Retype Data");
+    }
     EXPECT_EQ(Text(c.field), c.taken ? "-" : before);
     EXPECT_EQ(AllSelected(c.field), !c.taken);
     EXPECT_EQ(ShownFocus(), c.field);
