@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <string_view>
+#include <utility>
 
 #include "core/numbers.h"
 #include "link/comm.h"
@@ -38,6 +39,8 @@ double LastGama = 0;
 double AfrOffset = 0;
 double GamaNow = 0;
 double InjectorOffset = 0;
+bool AfrCleared = false;
+bool LoopForcedOpen = false;
 
 void ResetOnflyState() {
   for (int* flag : {&PendZeroAdv, &PendClearZero, &PendAdv, &PendGama, &PendTog, &PendInj,
@@ -46,6 +49,7 @@ void ResetOnflyState() {
   for (double* value : {&OnAdvance, &OnGama, &OnTog, &OnInjOffset, &OnTpsBlend, &OnGpo, &OnAfr,
                         &LastGama, &AfrOffset, &GamaNow, &InjectorOffset})
     *value = 0;
+  AfrCleared = LoopForcedOpen = false;
 }
 
 // ---- the "R" exchange ---------------------------------------------------------------------------
@@ -89,53 +93,62 @@ constexpr float errorTpsBlend = 7;
 constexpr float errorTog = 8;
 constexpr float errorInvalidProm = 99;
 
-bool Settle(Reply reply, int& pending, float code, float promCode) {
-  pending = 0;
+bool Settle(Reply reply, float code, float promCode) {
   if (reply == Reply::Accepted) return true;
   CommError = reply == Reply::InvalidProm ? promCode : code;
   if (reply == Reply::InvalidProm) PROME();
   return false;
 }
 
-bool Settle(Reply reply, int& pending, float code) { return Settle(reply, pending, code, code); }
+bool Settle(Reply reply, float code) { return Settle(reply, code, code); }
 
 }  // namespace
 
+// Each clears its flag before it sends: what is entered while the answer is awaited is the next
+// command, and must not be taken for this one.
+
 void ADDADV() {
+  PendAdv = 0;
   if (OnflyInit == 1) OnAdvance = 0;
-  Settle(ExchangeR('3', AdvanceByte(OnAdvance)), PendAdv, errorAdvance, errorInvalidProm);
+  Settle(ExchangeR('3', AdvanceByte(OnAdvance)), errorAdvance, errorInvalidProm);
 }
 
 void gama() {
+  PendGama = 0;
   if (OnflyInit != 1) LastGama = OnGama;
-  Settle(ExchangeR('4', GamaByte(LastGama)), PendGama, errorGama);
+  Settle(ExchangeR('4', GamaByte(LastGama)), errorGama);
 }
 
 void fik() {
+  PendTpsBlend = 0;
   TogChanged = 0;
-  Settle(ExchangeR('5', TpsBlendByte(OnTpsBlend)), PendTpsBlend, errorTpsBlend);
+  Settle(ExchangeR('5', TpsBlendByte(OnTpsBlend)), errorTpsBlend);
 }
 
 void turn() {
+  PendInj = 0;
   OnInjOffset = InjectorStep(OnflyInit == 1 ? InjectorOffset : OnInjOffset);
-  Settle(ExchangeR('6', InjectorByte(OnInjOffset)), PendInj, errorTurn);
+  Settle(ExchangeR('6', InjectorByte(OnInjOffset)), errorTurn);
 }
 
 void ogpo() {
+  PendGpo = 0;
   if (OnflyInit == 1) OnGpo = 0;
-  Settle(ExchangeR('7', GpoByte(OnGpo)), PendGpo, errorGpo);
+  Settle(ExchangeR('7', GpoByte(OnGpo)), errorGpo);
 }
 
 void oafr(double value) {
+  PendAfr = 0;
   AfrOffset = OnflyInit == 1 ? 0 : RoundEven(Live[LiveField::AfrBase] - value);
-  Settle(ExchangeR('O', AfrByte(AfrOffset), false), PendAfr, errorAfr);
+  Settle(ExchangeR('O', AfrByte(AfrOffset), false), errorAfr);
 }
 
 void settog() {
+  PendTog = 0;
   const TogBytes bytes = TogToBytes(OnTog);
   TogChanged = 0;
-  if (!Settle(ExchangeR('8', bytes.high), PendTog, errorTog)) return;
-  if (Settle(ExchangeR('9', bytes.low), PendTog, errorTog)) TogChanged = 1;
+  if (!Settle(ExchangeR('8', bytes.high), errorTog)) return;
+  if (Settle(ExchangeR('9', bytes.low), errorTog)) TogChanged = 1;
 }
 
 // ---- commands of their own kind -----------------------------------------------------------------
@@ -162,22 +175,27 @@ std::function<bool()> LeavingRule() {
       [until = MonotonicMicroseconds() + longEnoughUs] { return MonotonicMicroseconds() >= until; };
 }
 
+// A unit that has not said "A" to the release may be in forced open loop still.
 void SendLoopControl() {
+  const bool release = ClosedLoop;
   RxBuffer.clear();
-  SendR('U', ClosedLoop ? 0 : 255);
+  if (!release) LoopForcedOpen = true;
+  SendR('U', release ? 0 : 255);
   Pause(PauseInCommand);
   MSComm1.RThreshold = 1;
   MSComm1.InputLen = 0;
-  if (PollingWait(WaitForOffset, LeavingRule()) == WaitEnd::Reply) TakeSecondByte();
+  if (PollingWait(WaitForOffset, LeavingRule()) != WaitEnd::Reply) return;
+  if (release && RxByte(0) == 'A') LoopForcedOpen = false;
+  TakeSecondByte();
 }
 
 void SendUnanswered(std::string_view command, int& pending) {
+  pending = 0;
   RxBuffer.clear();
   MSComm1.RThreshold = 1;
   MSComm1.Output(command);
   Pause(PauseInCommand);
   Yield();
-  pending = 0;
 }
 
 int HexDigit(long index) {
@@ -204,13 +222,13 @@ void TakeReadBack() {
 }  // namespace
 
 void togego() {
+  PendEgo = 0;
   try {
     SendLoopControl();
   } catch (const Failure& failure) {
     if (failure.number != FailureCancel)
       MsgBox(FailureText(failure), Buttons::Ok, "Error", BoxIcon::Exclamation);
   }
-  PendEgo = 0;
 }
 
 void cleartdc() { SendUnanswered("C", PendClearZero); }
@@ -257,15 +275,21 @@ std::optional<LoadedProgram> QueryLoadedProgram() {
 
 // ---- pending commands ---------------------------------------------------------------------------
 
+namespace {
+
+void SendAfr() { oafr(std::exchange(AfrCleared, false) ? Live[LiveField::AfrBase] : OnAfr); }
+
+}  // namespace
+
 void SendPendingOffsets() {
   struct Row {
     int& pending;
     void (*send)();
   };
   const Row order[] = {
-      {PendAdv, ADDADV},     {PendGama, gama}, {PendTog, settog},   {PendAfr, [] { oafr(OnAfr); }},
-      {PendGpo, ogpo},       {PendInj, turn},  {PendTpsBlend, fik}, {PendClearZero, cleartdc},
-      {PendZeroAdv, settdc},
+      {PendAdv, ADDADV},   {PendGama, gama},          {PendTog, settog},
+      {PendAfr, SendAfr},  {PendGpo, ogpo},           {PendInj, turn},
+      {PendTpsBlend, fik}, {PendClearZero, cleartdc}, {PendZeroAdv, settdc},
   };
   for (const Row& row : order) {
     if (CommError != 0 || LoopMustEnd()) return;
@@ -285,6 +309,7 @@ bool AllowLoopControl() {
   if (PollingWait(WaitForFrame, LoopMustEnd) != WaitEnd::Reply) return false;
   CommError = 0;
   ClosedLoop = true;
+  if (RxByte(0) == 'A') LoopForcedOpen = false;
   return true;
 }
 

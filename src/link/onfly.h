@@ -31,6 +31,12 @@ extern double OnTpsBlend;   // V, 0 to 1.5
 extern double OnGpo;        // %, -30 to 30
 extern double OnAfr;        // raw, 0 to 255
 
+// With PendAfr: the offset is to be cleared whatever byte 19 is by then, instead of OnAfr. Starts
+// false.
+extern bool AfrCleared;
+// "R" "U" 255 was sent, and no release has been accepted since. Starts false.
+extern bool LoopForcedOpen;
+
 // 1 while a session sends its opening commands. Starts as 0.
 extern int OnflyInit;
 // 1 after a `settog` that was accepted; 0 after one that failed and after any `fik`. Starts as 0.
@@ -46,10 +52,10 @@ void ResetOnflyState();
 
 // ---- run-time offsets ---------------------------------------------------------------------------
 
-// Each sends its value (none but togego when the session has failed), waits for the answer and
-// clears its pending flag whatever comes. CommError keeps its value on success and takes the
-// command's code on failure: getgama 1, ADDADV 2 (99: invalid PROM), gama 3, turn 4, ogpo 5,
-// oafr 6, fik 7, settog 8.
+// Each clears its pending flag, sends its value (none but togego when the session has failed) and
+// waits for the answer; a flag that is set again meanwhile stays for the next pass. CommError keeps
+// its value on success and takes the command's code on failure: getgama 1, ADDADV 2 (99: invalid
+// PROM), gama 3, turn 4, ogpo 5, oafr 6, fik 7, settog 8.
 void getgama();
 void ADDADV();
 void gama();

@@ -96,6 +96,19 @@ TEST_P(ExchangeTest, StaleReplyInTheBufferIsNotTaken) {
   EXPECT_EQ(CommError, GetParam().code);
 }
 
+TEST_P(ExchangeTest, EntryMadeWhileTheAnswerIsAwaitedIsTheNextCommand) {
+  GetParam().prepare();
+  *GetParam().pending = 1;
+  AfterMs(25, [] {
+    EXPECT_EQ(*GetParam().pending, 0);
+    *GetParam().pending = 1;
+    DeliverAt("COM1", NowUs() + 1000, {'A', 'X'});
+  });
+  GetParam().send();
+  EXPECT_EQ(CommError, 0);
+  EXPECT_EQ(*GetParam().pending, 1);
+}
+
 TEST_P(ExchangeTest, LeavingEndsTheWaitAtOnce) {
   AfterMs(50, [] { MonitorStop = 1; });
   Run();
@@ -250,6 +263,34 @@ TEST_F(OnflyTest, LoopControlSaysWhetherTheLoopIsClosed) {
   EXPECT_EQ(Sent(), std::string("RU\0RU\xFF", 6));
   EXPECT_EQ(MSComm1.RThreshold, 1);
   EXPECT_EQ(MSComm1.InputLen, 0);
+}
+
+TEST_F(OnflyTest, LoopControlAskedForAgainWhileItIsSentStaysPending) {
+  PendEgo = 1;
+  ClosedLoop = false;
+  AfterMs(35, [] {
+    ClosedLoop = true;
+    PendEgo = 1;
+    DeliverAt("COM1", NowUs() + 1000, {'A', 'X'});
+  });
+  togego();
+  EXPECT_EQ(PendEgo, 1);
+  EXPECT_TRUE(LoopForcedOpen);
+  EXPECT_EQ(Sent(), "RU\xFF");
+}
+
+TEST_F(OnflyTest, OnlyAnAcceptedReleaseEndsForcedOpenLoop) {
+  ClosedLoop = false;
+  togego();
+  EXPECT_TRUE(LoopForcedOpen) << "without an answer the unit may have heard it";
+  ClosedLoop = true;
+  togego();
+  EXPECT_TRUE(LoopForcedOpen) << "no answer to the release";
+  AnswerInTurn({{3, "?"}, {3, "AX"}});
+  togego();
+  EXPECT_TRUE(LoopForcedOpen);
+  togego();
+  EXPECT_FALSE(LoopForcedOpen);
 }
 
 TEST_F(OnflyTest, LoopControlLeavesNoByteInFrontOfTheNextFrame) {
@@ -441,6 +482,33 @@ TEST_F(PendingTest, CommandsGoOutInTheOrderOfTheLoop) {
   EXPECT_EQ(PendEgo, 1);
 }
 
+TEST_F(PendingTest, ClearedAfrOffsetIsNoneWhateverTheBaseIsByNow) {
+  Live.frame[19] = 137;
+  DecodeFrame(FrameReader::Monitor);
+  for (int* flag : all) *flag = 0;
+  OnAfr = 117;
+  PendAfr = 1;
+  AfrCleared = true;
+  SendPendingOffsets();
+  EXPECT_EQ(AfrOffset, 0);
+  OnAfr = 130;
+  PendAfr = 1;
+  SendPendingOffsets();
+  EXPECT_EQ(AfrOffset, 7);
+  EXPECT_EQ(device->TakeHistory(), (std::vector<std::string>{"RO 00", "RO F9"}));
+}
+
+TEST_F(PendingTest, OptionChosenWhileItsCommandIsSentStaysPending) {
+  for (int* flag : all) *flag = 0;
+  for (int* flag : {&PendClearZero, &PendZeroAdv}) {
+    *flag = 1;
+    AfterMs(10, [flag] { *flag = 1; });
+    SendPendingOffsets();
+    EXPECT_EQ(*flag, 1);
+    *flag = 0;
+  }
+}
+
 TEST_F(PendingTest, FailureKeepsTheRestPending) {
   device->Fail("silent@R8");
   SendPendingOffsets();
@@ -459,7 +527,9 @@ TEST_F(PendingTest, LeavingSendsNoMore) {
 TEST_F(OnflyTest, ResetPutsStartValuesBack) {
   PendAdv = PendEgo = OnflyInit = TogChanged = 1;
   OnAdvance = OnAfr = LastGama = AfrOffset = GamaNow = InjectorOffset = 3;
+  AfrCleared = LoopForcedOpen = true;
   ResetOnflyState();
+  EXPECT_FALSE(AfrCleared || LoopForcedOpen);
   EXPECT_EQ(PendAdv + PendEgo + OnflyInit + TogChanged, 0);
   EXPECT_EQ(OnAdvance + OnAfr + LastGama + AfrOffset + GamaNow + InjectorOffset, 0);
 }
