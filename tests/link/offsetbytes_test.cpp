@@ -27,12 +27,10 @@ TEST(AdvanceByte, UpIsCutAndDownIsRoundedOverTheWholeRange) {
       if (rest == 200) continue;  // a tie, told by KnownValues
       expected = 128 | (expected + (rest > 200 ? 1 : 0));
     }
-    const int byte = AdvanceByte(hundredths / 100.0);
-    if (hundredths > 0 && counts % 400 == 0)
-      EXPECT_LE(std::abs(byte - expected), 1) << hundredths;
-    else
-      EXPECT_EQ(byte, expected) << hundredths;
+    EXPECT_EQ(AdvanceByte(hundredths / 100.0), expected) << hundredths;
   }
+  EXPECT_EQ(AdvanceByte(4), 17);
+  EXPECT_EQ(AdvanceByte(8), 34);
 }
 
 TEST(GamaByte, EveryWholePercent) {
@@ -44,11 +42,13 @@ TEST(GamaByte, EveryWholePercent) {
   for (int percent = -40; percent <= 40; ++percent) {
     const int counts = 255 * std::abs(percent);  // 100 to the count
     const int expected = percent >= 0 ? counts / 100 : 128 | ((counts + 50) / 100);
-    if (counts % 100 == 0 || (percent < 0 && counts % 100 == 50)) continue;  // told above and below
+    if (percent < 0 && counts % 100 == 50) continue;  // a tie, told below
     EXPECT_EQ(GamaByte(percent / 100.0), expected) << percent;
   }
   EXPECT_EQ(GamaByte(0.2), 51);
   EXPECT_EQ(GamaByte(-0.2), 128 | 51);
+  EXPECT_EQ(GamaByte(-0.1), 128 | 26) << "25.5 goes to the even neighbour";
+  EXPECT_EQ(GamaByte(-0.3), 128 | 76) << "and so does 76.5";
 }
 
 TEST(TpsBlendByte, EveryHundredthOfAVolt) {
@@ -88,10 +88,12 @@ TEST(GpoByte, EveryWholePercent) {
   EXPECT_EQ(GpoByte(30), 76);
   EXPECT_EQ(GpoByte(0), 0);
   EXPECT_EQ(GpoByte(-1), 253);
+  EXPECT_EQ(GpoByte(10), 26) << "25.5 goes to the even neighbour";
+  EXPECT_EQ(GpoByte(-10), 230);
   EXPECT_EQ(GpoByte(-0.1), 0) << "rounded to nothing, it is not negative any more";
   for (int percent = -30; percent <= 30; ++percent) {
     const int counts = 255 * std::abs(percent);
-    if (counts % 100 == 50) continue;
+    if (counts % 100 == 50) continue;  // a tie, told above
     const int magnitude = (counts + 50) / 100;
     EXPECT_EQ(GpoByte(percent), percent < 0 && magnitude > 0 ? 256 - magnitude : magnitude);
   }
