@@ -47,7 +47,8 @@ bool TakeAccelerator(Screen& screen, int letter) {
 }
 
 // What a key does by itself in a control that is operated, not edited, and Tab everywhere; the same
-// on every platform. Result: true when the toolkit must do nothing more.
+// on every platform. A key that is held down operates nothing anew: a button that has got the focus
+// meanwhile is not what it was pressed for. Result: true when the toolkit must do nothing more.
 bool OperateByKey(Screen& screen, const KeyEvent& event) {
   if (event.ctrl || event.alt) return false;
   if (event.key == KeyTab) {
@@ -57,7 +58,7 @@ bool OperateByKey(Screen& screen, const KeyEvent& event) {
   Control* control = screen.focus;
   if (!control || !IsOperated(*control)) return false;
   if (event.key == KeySpace || (event.key == KeyEnter && control->kind == ControlKind::Button)) {
-    UserClick(*control);
+    if (!event.repeat) UserClick(*control);
     return true;
   }
   if (event.key < KeyLeft || event.key > KeyDown) return false;

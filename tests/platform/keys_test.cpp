@@ -310,6 +310,19 @@ TEST_F(KeysTest, EnterOnAButtonClicksIt) {
                              "up 13"}));
 }
 
+// The button has got the focus by the Enter that is still held down.
+TEST_F(KeysTest, KeyThatIsHeldDownOperatesNoButton) {
+  Show();
+  SetFocus(At(screen, "Command1"));
+  Told();
+  RepeatKey("Enter");
+  EXPECT_TRUE(WasTold("down 13"));
+  RepeatKey("Space");
+  EXPECT_FALSE(WasTold("click Command1"));
+  PressKey("Enter");
+  EXPECT_TRUE(WasTold("click Command1"));
+}
+
 TEST_F(KeysTest, EnterThatTheKeyPressDropsClicksNothing) {
   screen.on.keyPress = [](Screen&, Control&, KeyPress& press) { press.character = 0; };
   Show();

@@ -17,6 +17,7 @@
 // "Enter", "Esc", "Tab", "Up", "F5", "Ctrl+S", "Alt+O", "Shift+Tab", "A", "7", ".", "-",
 // "Backspace", "Plus", "Minus", "KeypadPlus", "Ctrl" alone; see keynames.h.
 void PressKey(std::string_view key);
+void RepeatKey(std::string_view key);  // once more by itself, since it is held down
 void TypeText(std::string_view text);  // one key after the other
 void ClickOn(Screen& screen, std::string_view control);
 void ChooseItem(Screen& screen, std::string_view control, int index);  // of a list

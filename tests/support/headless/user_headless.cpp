@@ -7,6 +7,12 @@
 
 void PressKey(std::string_view key) { HeadlessKey(KeyNamed(key)); }
 
+void RepeatKey(std::string_view key) {
+  KeyEvent event = KeyNamed(key);
+  event.repeat = true;
+  HeadlessKey(event);
+}
+
 void TypeText(std::string_view text) {
   for (char character : text) HeadlessKey(KeyTyping(character));
 }

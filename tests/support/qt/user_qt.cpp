@@ -140,7 +140,7 @@ void Send(const KeyEvent& event) {
   for (bool press : {true, false}) {
     QWidget* now = WindowWithKeys();
     QTest::simulateEvent(now->windowHandle(), press, QtKeyOf(event), ModifiersOf(event), text,
-                         false);
+                         event.repeat);
     LetToolkitSettle();
   }
 }
@@ -198,6 +198,12 @@ QWidget* Shown(Screen& screen, std::string_view name) {
 }  // namespace
 
 void PressKey(std::string_view key) { Send(KeyNamed(key)); }
+
+void RepeatKey(std::string_view key) {
+  KeyEvent event = KeyNamed(key);
+  event.repeat = true;
+  Send(event);
+}
 
 void TypeText(std::string_view text) {
   for (char character : text) Send(KeyTyping(character));
