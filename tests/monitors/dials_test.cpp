@@ -37,12 +37,13 @@ TEST(Dials, TachometerStepIsRoundedDownAndHeldAtFullScale) {
 
 TEST(Dials, BandsCountFromTheLeftEnd) {
   struct Row {
-    double limit, divisor;
+    double limit, yellow, red;
   };
-  for (const Row& row : {Row{5500, 33.33}, Row{5501, 46}, Row{6500, 46}, Row{7501, 69.6}}) {
+  for (const Row& row : {Row{5500, 38.98650, 8.98350}, Row{5501, 76.15217, 54.41304},
+                         Row{6500, 54.43478, 32.69565}, Row{7501, 80.59483, 66.22701}}) {
     const TachBands bands = TachBandsOf(row.limit);
-    EXPECT_DOUBLE_EQ(bands.yellowFrom, 174 - (row.limit - 1000) / row.divisor);
-    EXPECT_DOUBLE_EQ(bands.redFrom, 174 - row.limit / row.divisor);
+    EXPECT_NEAR(bands.yellowFrom, row.yellow, 1e-5);
+    EXPECT_NEAR(bands.redFrom, row.red, 1e-5);
     EXPECT_EQ(bands.end, -4);
   }
 }
