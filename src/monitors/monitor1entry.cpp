@@ -37,6 +37,8 @@ const std::array<OffsetField, 6> fields = {{
 // Text of the field that has the focus, as it was before the entry.
 std::string savedText;
 std::string shownRefusal;
+// OnAfr as it was before the entry.
+double keptAfr = 0;
 // The option that is in force. A session opens with zero advance cleared.
 bool advanceIsZero = false;
 
@@ -117,11 +119,12 @@ bool RefusedAsFraction(Screen& screen, Control& control, const OffsetField& row)
   return true;
 }
 
-// Enter in a field. An empty one is passed over.
+// Enter in a field. An empty one is passed over; "-" and "." are not 0, and the clipboard can bring
+// anything.
 void TakeEntry(Screen& screen, Control& control, const OffsetField& row) {
   if (control.text.empty() || RefusedAsFraction(screen, control, row)) return;
   const double typed = LeadingNumber(control.text);
-  if (typed >= row.low && typed <= row.high) {
+  if (IsNumeric(control.text) && typed >= row.low && typed <= row.high) {
     Accept(screen, control, row, EntryOf(row, typed));
     return;
   }
@@ -148,8 +151,20 @@ void StepAfr(Screen& screen, double by) {
   ShowWishedAfr(screen);
 }
 
-// What the unit aims at now is where the arrows begin.
-void BeginAfrEntry() { OnAfr = std::clamp(Raw(baseByte) - AfrOffset, 0.0, 255.0); }
+// What the unit aims at now is where the arrows begin; a wish that has not been sent yet stands.
+void BeginAfrEntry() {
+  if (PendAfr == 0 || AfrCleared)
+    OnAfr = std::clamp(Raw(baseByte) - (AfrCleared ? 0 : AfrOffset), 0.0, 255.0);
+}
+
+// The engine may be in another cell by the time that the command goes out: to clear is to have no
+// offset there either.
+void EndAfrEntry(bool cleared) {
+  AfrCleared = cleared;
+  if (cleared) OnAfr = Raw(baseByte);
+  keptAfr = OnAfr;
+  PendAfr = 1;
+}
 
 }  // namespace
 
@@ -179,6 +194,12 @@ void ShowUnlessEdited(Screen& screen, std::string_view field, const std::string&
     savedText = text;
   else
     SetText(control, text);
+}
+
+// So does one whose entry has not been sent yet.
+void ShowUnlessPending(Screen& screen, const char* field, const std::string& text) {
+  if (const OffsetField* row = RowOf(At(screen, field)); row->pending == 0)
+    ShowUnlessEdited(screen, field, text);
 }
 
 void AddField(Screen& screen, const char* container, int row, const char* control,
@@ -239,11 +260,11 @@ void BeginOffsets(Screen& screen) {
 }
 
 void ShowOpenedOffsets(Screen& screen) {
-  SetAdvanceIsZero(screen, false);
-  ShowUnlessEdited(screen, "Text3", NumberText(OnAdvance));
-  ShowUnlessEdited(screen, "Text4", NumberText(RoundEven(LastGama * 100)));
-  ShowUnlessEdited(screen, "Text6", Format(InjectorOffset, "##.000"));
-  ShowUnlessEdited(screen, "Text8", NumberText(OnGpo));
+  SetAdvanceIsZero(screen, PendZeroAdv == 1);
+  ShowUnlessPending(screen, "Text3", NumberText(OnAdvance));
+  ShowUnlessPending(screen, "Text4", NumberText(RoundEven(LastGama * 100)));
+  ShowUnlessPending(screen, "Text6", Format(InjectorOffset, "##.000"));
+  ShowUnlessPending(screen, "Text8", NumberText(OnGpo));
 }
 
 void ShowOffsets(Screen& screen) {
@@ -255,14 +276,19 @@ void ShowOffsets(Screen& screen) {
   if (!PendTog) SetText(At(screen, "Text5"), Format(Live[LiveField::Tog], "##.00"));
   if (TogChanged == 0 && !PendTpsBlend)
     SetText(At(screen, "Text7"), Format(Live[LiveField::TpsBlend], "#.00"));
+  if (!PendInj) SetText(At(screen, "Text6"), Format(OnInjOffset, "##.000"));
   SetText(At(screen, afrField), AfrOffsetText());
 }
 
+// Before the first frame nobody knows where the arrows of the AFR field begin.
 void OffsetGotFocus(Screen& screen, Control& control) {
-  FieldEditing = IsOffsetField(control);
+  const bool tooSoon = control.name == afrField && LiveFramesTaken() == 0;
+  FieldEditing = IsOffsetField(control) && !tooSoon;
   ShowStatus(screen);
-  if (!FieldEditing) return;
   savedText = control.text;
+  keptAfr = OnAfr;
+  if (tooSoon) SetFocus(At(screen, backButton));
+  if (!FieldEditing) return;
   Mark(screen, control, true);
   if (control.name == afrField) BeginAfrEntry();
   Select(control);
@@ -272,15 +298,18 @@ void OffsetGotFocus(Screen& screen, Control& control) {
 void OffsetLostFocus(Screen& screen, Control& control) {
   if (!IsOffsetField(control)) return;
   SetText(control, savedText);
+  if (control.name == afrField) OnAfr = keptAfr;
   Mark(screen, control, false);
 }
 
-// Of the two options the one that is not the current state, once chosen, becomes current.
+// Of the two options the one that is not the current state, once chosen, becomes current. The other
+// may not have been sent yet: it goes out no more.
 void OffsetClicked(Screen&, Control& control) {
   const bool zero = control.name == zeroOption;
   if ((!zero && control.name != clearOption) || zero == advanceIsZero) return;
   advanceIsZero = zero;
-  (zero ? PendZeroAdv : PendClearZero) = 1;
+  PendZeroAdv = zero;
+  PendClearZero = !zero;
 }
 
 void OffsetKeyPress(Screen& screen, Control& control, KeyPress& press) {
@@ -311,14 +340,12 @@ bool OffsetKeyDown(Screen& screen, KeyEvent& event) {
       StepAfr(screen, 1);
       return true;
     case KeyEscape:
-      OnAfr = Raw(baseByte);
-      break;
     case KeyEnter:
+      EndAfrEntry(event.key == KeyEscape);
       break;
     default:
       return false;
   }
-  PendAfr = 1;
   SetFocus(At(screen, backButton));
   return true;
 }

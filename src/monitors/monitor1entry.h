@@ -34,10 +34,11 @@ int AddOffsetControls(Screen& screen, const char* container, const MonitorColour
 // Start values of a session: nothing is edited, zero advance is cleared.
 void BeginOffsets(Screen& screen);
 // What the opening commands have left in the control unit: the injector offset that it has told, no
-// advance, the gama that was sent last, no zero advance.
+// advance, the gama that was sent last, no zero advance. What was entered meanwhile and is to be
+// sent stands in its place.
 void ShowOpenedOffsets(Screen& screen);
-// Between entries TOG, TPS blend and AFR offset follow the frame; during an entry of the AFR offset
-// the wished ratio stands.
+// Between entries TOG, TPS blend and AFR offset follow the frame, and the injector offset is the
+// one that was sent; during an entry of the AFR offset the wished ratio stands.
 void ShowOffsets(Screen& screen);
 
 // Events of the screen.

@@ -150,6 +150,76 @@ TEST_F(Monitor1Entry, WholeNumberFieldsRefuseAPeriod) {
   });
 }
 
+TEST_F(Monitor1Entry, WhatIsNoNumberIsRefused) {
+  struct Case {
+    const char* key;
+    const char* control;
+    const char* text;
+  };
+  Work([&] {
+    for (const Case& row :
+         {Case{"Alt+3", "Text3", "-"}, Case{"Alt+4", "Text4", "-"}, Case{"Alt+6", "Text6", "."},
+          Case{"Alt+7", "Text7", "-."}, Case{"Alt+8", "Text8", "+"}, Case{"Alt+6", "Text6", "3-4"},
+          Case{"Alt+3", "Text3", "5 deg"}, Case{"Alt+7", "Text7", "one"}}) {
+      const std::string saved = Shown(row.control);
+      PressKey(row.key);
+      SetText(At(Monitor1, row.control), row.text);  // the clipboard brings letters too
+      PressKey("Enter");
+      EXPECT_TRUE(MonitorInputError.loaded) << row.text;
+      EXPECT_EQ(Shown(row.control), saved) << row.text;
+      PressKey("Enter");
+      SetFocus(At(Monitor1, "Command1"));
+    }
+    Later([&] { EXPECT_EQ(unit.TakeHeard(), ""); });
+  });
+}
+
+TEST_F(Monitor1Entry, HeldEnterDoesNotLeaveTheMonitor) {
+  Work([&] {
+    PressKey("Alt+3");
+    TypeText("5");
+    PressKey("Enter");
+    for (int i = 0; i < 3; ++i) RepeatKey("Enter");
+    EXPECT_EQ(MonitorStop, 0);
+    Enter("Alt+3", "99");
+    RepeatKey("Enter");
+    EXPECT_TRUE(MonitorInputError.loaded) << "nor is the refusal gone before it is read";
+    PressKey("Enter");
+    EXPECT_FALSE(MonitorInputError.loaded);
+  });
+}
+
+TEST_F(Monitor1Entry, SecondEntryDuringTheCommandOfTheFirstGoesOutToo) {
+  Work(
+      [&] {
+        unit.mute = [&](std::string_view command) {
+          if (command != "R315") return false;
+          AfterMs(20, [] { Enter("Alt+3", "2"); });
+          AfterMs(30, [] { DeliverAt("COM1", NowUs(), {'A', 'X'}); });
+          return true;
+        };
+        Enter("Alt+3", "5");
+        AfterMs(500, [&] {
+          EXPECT_EQ(unit.TakeHeard(), "R315 R308");
+          EXPECT_EQ(Shown("Text3"), "2");
+          EXPECT_EQ(OnAdvance, 2);
+        });
+      },
+      700);
+}
+
+TEST_F(Monitor1Entry, InjectorOffsetIsShownAsItIsInForce) {
+  Work([] {
+    Enter("Alt+6", "1.07");
+    EXPECT_EQ(Shown("Text6"), "1.07");
+    Later([] {
+      EXPECT_EQ(Shown("Text6"), "1.125");
+      Enter("Alt+6", "-.12");
+      Later([] { EXPECT_EQ(Shown("Text6"), "-.125"); });
+    });
+  });
+}
+
 TEST_F(Monitor1Entry, EmptyFieldIsPassedOver) {
   Work([&] {
     PressKey("Alt+3");
@@ -224,6 +294,19 @@ TEST_F(Monitor1Entry, OptionsActOnlyWhenTheyAreNotTheCurrentState) {
   });
 }
 
+TEST_F(Monitor1Entry, OfTwoOptionsChosenAtOnceTheLastIsSent) {
+  Work([&] {
+    PressKey("Alt+1");
+    PressKey("Alt+2");
+    EXPECT_EQ(PendZeroAdv, 0);
+    EXPECT_EQ(PendClearZero, 1);
+    Later([&] {
+      EXPECT_EQ(unit.TakeHeard(), "C");
+      EXPECT_TRUE(At(Monitor1, "Option2").checked);
+    });
+  });
+}
+
 TEST_F(Monitor1Entry, ArrowsShowTheWishedRatioAndEnterSendsIt) {
   Work([&] {
     PressKey("Alt+9");
@@ -259,6 +342,43 @@ TEST_F(Monitor1Entry, EscClearsTheAfrOffsetAndDoesNotLeave) {
     Later([&] {
       EXPECT_EQ(AfrOffset, 0);
       EXPECT_EQ(unit.TakeHeard(), "RO00");
+    });
+  });
+}
+
+TEST_F(Monitor1Entry, EscClearsTheAfrOffsetWhileTheBaseMoves) {
+  auto work = [&] {
+    PressKey("Alt+9");
+    unit.frame[19] = 137;  // the engine is in another cell now
+    Later([&] {
+      PressKey("Esc");
+      Later([&] {
+        EXPECT_EQ(AfrOffset, 0);
+        EXPECT_EQ(unit.TakeHeard(), "RO00");
+        EXPECT_EQ(Shown("Text9"), ".00");
+        PressKey("Alt+9");
+        EXPECT_EQ(OnAfr, 137);
+        PressKey("Up");
+        PressKey("Enter");
+        Later([&] { EXPECT_EQ(unit.TakeHeard(), "ROFF"); });
+      });
+    });
+  };
+  Work(work, 300);
+}
+
+TEST_F(Monitor1Entry, ArrowsThatEnterHasNotConfirmedChangeNothing) {
+  Work([&] {
+    PressKey("Alt+9");
+    PressKey("Up");
+    PressKey("Enter");
+    PressKey("Alt+9");  // before the first is sent
+    EXPECT_EQ(OnAfr, 116);
+    PressKey("Up");
+    SetFocus(At(Monitor1, "Command1"));
+    Later([&] {
+      EXPECT_EQ(unit.TakeHeard(), "ROFF");
+      EXPECT_EQ(AfrOffset, 1);
     });
   });
 }
@@ -308,7 +428,8 @@ TEST_F(Monitor1Entry, AReopenedSessionShowsWhatTheUnitHas) {
     Enter("Alt+3", "8");
     Enter("Alt+8", "20");
     Enter("Alt+4", "30");
-    Later([&] {
+    AfterMs(150, [&] {  // all of it has been sent
+      EXPECT_EQ(PendZeroAdv, 0);
       EXPECT_EQ(Shown("Text3"), "8");
       unit.wrongSecond = "R7";
       Enter("Alt+8", "25");
