@@ -119,19 +119,33 @@ void DrawFace(Control& canvas, const Dial& dial, const std::vector<ScaleMark>& m
             .anchor = TextAnchor::Centre});
 }
 
+// What needles, bars and digits are drawn in.
+struct Inks {
+  Colour needle;
+  Colour bar;
+  Colour digits;
+  Colour barOver;
+  Colour digitsOver;
+};
+
+Inks InksOf(bool old, const MonitorColours& colours) {
+  if (old) return {colours.muted, colours.muted, colours.muted, colours.muted, colours.muted};
+  return {needleColour, barColour, colours.figure, bandRed, colours.warning};
+}
+
 void DrawNeedle(Control& canvas, const Dial& dial, int step, const std::string& digits,
-                const MonitorColours& colours) {
+                const Inks& inks) {
   const double degrees = NeedleDegrees(HeldStep(step));
   const double thick = std::max(2.5, dial.radius * 0.03);
   FillPolygon(canvas,
               {Polar(dial.centre, dial.radius * 0.88, degrees),
                Polar(dial.centre, thick, degrees + 90), Polar(dial.centre, thick, degrees - 90)},
-              {.colour = needleColour, .antialias = true});
-  FillCircle(canvas, dial.centre, thick * 1.8, {.colour = needleColour, .antialias = true});
+              {.colour = inks.needle, .antialias = true});
+  FillCircle(canvas, dial.centre, thick * 1.8, {.colour = inks.needle, .antialias = true});
   const double points = FittingPoints("00000", dial.radius * 1.3, dial.radius * 0.36, true);
   DrawText(
       canvas, {dial.centre.x, dial.centre.y + dial.radius * 0.27}, digits,
-      {.colour = colours.figure, .pointSize = points, .bold = true, .anchor = TextAnchor::Centre});
+      {.colour = inks.digits, .pointSize = points, .bold = true, .anchor = TextAnchor::Centre});
 }
 
 // ---- bars ---------------------------------------------------------------------------------------
@@ -224,15 +238,13 @@ void DrawBarFace(Control& canvas, const Bar& bar, const BarPlace& place,
 }
 
 void DrawLevels(Control& canvas, const InstrumentFaces& faces, const InstrumentReadings& readings,
-                const MonitorColours& colours) {
+                const Inks& inks) {
   constexpr double egoFullVolts = 5;
-  DrawLevel(canvas, 0, readings.load / faces.loadMaximum, readings.loadText, barColour,
-            colours.figure);
-  DrawLevel(canvas, 1, readings.egoVolts / egoFullVolts, readings.egoText, barColour,
-            colours.figure);
+  DrawLevel(canvas, 0, readings.load / faces.loadMaximum, readings.loadText, inks.bar, inks.digits);
+  DrawLevel(canvas, 1, readings.egoVolts / egoFullVolts, readings.egoText, inks.bar, inks.digits);
   DrawLevel(canvas, 2, static_cast<double>(readings.dutyBar) / DutyBarMaximum, readings.dutyText,
-            readings.dutyOver ? bandRed : barColour,
-            readings.dutyOver ? colours.warning : colours.figure);
+            readings.dutyOver ? inks.barOver : inks.bar,
+            readings.dutyOver ? inks.digitsOver : inks.digits);
 }
 
 }  // namespace
@@ -252,10 +264,11 @@ void DrawReadings(Control& canvas, const InstrumentFaces& faces, const Instrumen
   if (!HasSize(canvas)) return;
   ClearForeground(canvas);
   const auto dials = DialsOf(canvas);
+  const Inks inks = InksOf(readings.old, colours);
   DrawNeedle(canvas, dials[0], TachStep(TachScaleOf(faces.revLimitRpm), readings.rpm),
-             readings.rpmText, colours);
-  DrawNeedle(canvas, dials[1], readings.cltStep, readings.cltText, colours);
-  DrawNeedle(canvas, dials[2], readings.matStep, readings.matText, colours);
-  DrawNeedle(canvas, dials[3], readings.tpsStep, readings.tpsText, colours);
-  DrawLevels(canvas, faces, readings, colours);
+             readings.rpmText, inks);
+  DrawNeedle(canvas, dials[1], readings.cltStep, readings.cltText, inks);
+  DrawNeedle(canvas, dials[2], readings.matStep, readings.matText, inks);
+  DrawNeedle(canvas, dials[3], readings.tpsStep, readings.tpsText, inks);
+  DrawLevels(canvas, faces, readings, inks);
 }

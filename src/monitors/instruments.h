@@ -20,6 +20,7 @@ struct InstrumentReadings {
   int dutyBar = 0;  // tenths of a percent
   std::string dutyText;
   bool dutyOver = false;  // at or above 100 %
+  bool old = false;       // not measured now: all is drawn muted
 };
 
 // What the faces depend on.
@@ -29,6 +30,7 @@ struct InstrumentFaces {
   std::string temperatureUnit;
   std::string loadUnit;
   double loadMaximum = 110;
+  bool operator==(const InstrumentFaces&) const = default;
 };
 
 // Clears the canvas and draws the faces as its background. Nothing happens without a size.

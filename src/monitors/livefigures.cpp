@@ -60,8 +60,11 @@ MonitorColours ColoursOfSetting() {
   constexpr Colour paleBlue = Rgb(190, 210, 255);
   constexpr Colour grey = Rgb(190, 190, 190);
   constexpr Colour brightRed = Rgb(255, 90, 80);
-  if (ReadSetting("Options", "Monitor Screen") == 0) return {deepBlue, paleBlue, White, brightRed};
-  return {Black, grey, White, brightRed};
+  constexpr Colour dimBlue = Rgb(110, 125, 185);
+  constexpr Colour dimGrey = Rgb(110, 110, 110);
+  if (ReadSetting("Options", "Monitor Screen") == 0)
+    return {deepBlue, paleBlue, White, brightRed, dimBlue};
+  return {Black, grey, White, brightRed, dimGrey};
 }
 
 // ---- labels -------------------------------------------------------------------------------------
@@ -116,4 +119,8 @@ void ShowFigures(std::span<const FigureLabels> labels) {
     SetCaption(*label.digits, FigureText(*label.figure));
     if (label.figure->unitNow) SetCaption(*label.unit, FigureUnit(*label.figure));
   }
+}
+
+void ColourFigures(std::span<const FigureLabels> labels, Colour colour) {
+  for (const FigureLabels& label : labels) SetForeColour(*label.digits, colour);
 }

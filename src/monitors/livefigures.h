@@ -52,6 +52,7 @@ struct MonitorColours {
   Colour caption;
   Colour figure;
   Colour warning;
+  Colour muted;  // of figures that are old
 };
 // By the setting "Monitor Screen": blue for 0, otherwise black.
 MonitorColours ColoursOfSetting();
@@ -81,3 +82,4 @@ struct FigureLabels {
 std::vector<FigureLabels> LabelsOf(Screen& screen, std::span<const LiveFigure> figures);
 void ClearFigures(std::span<const FigureLabels> labels);
 void ShowFigures(std::span<const FigureLabels> labels);
+void ColourFigures(std::span<const FigureLabels> labels, Colour colour);

@@ -1,6 +1,7 @@
 // The live loop of the monitors: opening, passes, retry, release.
 #include "monitors/livesession.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -29,9 +30,12 @@ struct LiveRun {
   int timeOuts = 0;
   bool commandRuns = false;  // an answer other than a frame is awaited
   bool killAsked = false;
+  int killTimer = 0;  // while a kill waits
   long framesTaken = 0;
-  bool frameHeld = false;  // decoded, not shown yet
-  bool shownOpen = false;  // the figures show open loop
+  std::int64_t frameUs = 0;  // the last frame came, or the session began
+  bool old = false;          // the figures are of a unit that does not answer now
+  bool frameHeld = false;    // decoded, not shown yet
+  bool shownOpen = false;    // the figures show open loop
   std::int64_t shownUs = 0;
   bool onWire = false;         // the last frame took the time of a wire
   bool inLumps = false;        // and came as an adapter gathers bytes
@@ -73,6 +77,25 @@ void ShowHeldFrame() {
   if (run.shownUs == 0 || MonotonicMicroseconds() - run.shownUs >= showEveryUs) Show();
 }
 
+// Figures that stand still look as if they were measured now. The first opening has none yet, and
+// is told of when it has to be tried again.
+void LookAtAge() {
+  constexpr std::int64_t oldUs = 1'000'000;
+  if (run.old || Stopped() || LinkLost()) return;
+  if (run.framesTaken == 0 && run.session.tries < 2) return;
+  if (MonotonicMicroseconds() - run.frameUs < oldUs) return;
+  run.old = true;
+  ShowLinkStatus("The ZEM does not answer.");
+  Call(run.monitor->aged);
+}
+
+void NoteFrame() {
+  run.frameUs = MonotonicMicroseconds();
+  if (!std::exchange(run.old, false)) return;
+  RefreshStatusLine();
+  Call(run.monitor->aged);
+}
+
 // The keys stay in an editor that is being worked in. The main menu has nothing to type, and its
 // Esc would end the program.
 void ShowMonitorScreen() {
@@ -95,7 +118,20 @@ void DropLateBytes() { MSComm1.DropInput(); }
 // A kill that waits behind a command goes out before the session is given up. None is left for a
 // later session, whose engine the user wants to run.
 void SendKillAskedFor() {
+  if (run.killTimer != 0) StopTimer(std::exchange(run.killTimer, 0));
   if (std::exchange(run.killAsked, false)) KillEngine();
+}
+
+// A unit that has said nothing for longer than any answer takes may say nothing for minutes, and a
+// kill must not wait so long.
+bool AnswerOverdue() {
+  constexpr std::int64_t longestUs = 100'000;
+  const HeardTimes& times = MSComm1.times;
+  return MonotonicMicroseconds() - std::max(times.sentUs, times.lastUs) > longestUs;
+}
+
+void SendKillIfOverdue() {
+  if (AnswerOverdue()) SendKillAskedFor();
 }
 
 AfterCommands SendCommands() {
@@ -168,7 +204,10 @@ Step ReceiveFrame() {
     const WaitEnd end = PollingWait(run.monitor->frameWait, FrameWaitEnds);
     if (Stopped()) return Step::Stop;
     if (end == WaitEnd::Reply) {
-      if (FrameInPlace()) return Step::Go;
+      if (FrameInPlace()) {
+        NoteFrame();
+        return Step::Go;
+      }
       WaitForQuietLine();
       if (Stopped()) return Step::Stop;
       if (!std::exchange(shifted, true)) continue;
@@ -217,6 +256,7 @@ void BeginSession() {
   run.session = {};
   run.timeOuts = 0;
   run.framesTaken = 0;
+  run.frameUs = MonotonicMicroseconds();
   run.inPlaceUs = MonotonicMicroseconds();
   run.onWire = run.inLumps = false;
   run.frameHeld = false;
@@ -255,13 +295,18 @@ Step RunSession() {
 }
 
 // A unit that is left in forced open loop would stay there: whoever shows open loop, has it in
-// force or has asked for a change gives it back.
+// force, has asked for a change or had no answer to the release gives it back.
 void GiveBackLoopControl() {
-  const bool forced = run.shownOpen || !ClosedLoop || PendEgo == 1;
+  const bool forced = run.shownOpen || !ClosedLoop || PendEgo == 1 || LoopForcedOpen;
   ClosedLoop = true;
   PendEgo = 0;
   run.shownOpen = false;
   if (forced && MSComm1.PortOpen && !MSComm1.gone) togego();
+}
+
+// A session that is over, or taken up again, has no figures that could be old.
+void ForgetAge() {
+  if (std::exchange(run.old, false)) RefreshStatusLine();
 }
 
 // Nothing of the session is on the line any more when the port closes.
@@ -273,11 +318,22 @@ void ReleaseLine() {
   MSComm1.Close();
 }
 
+void DropOffsets() {
+  for (int* pending : {&PendZeroAdv, &PendClearZero, &PendAdv, &PendGama, &PendTog, &PendInj,
+                       &PendTpsBlend, &PendGpo, &PendAfr, &PendEgo})
+    *pending = 0;
+  AfrCleared = false;
+}
+
+// What was entered before the failure must not go out unasked after it.
 bool RetryWanted() {
   MonitorStop = 1;
+  ForgetAge();
+  if (ScreenUp()) Call(run.monitor->failed);
   if (ScreenUp()) HideScreen(*run.monitor->screen);
   ReleaseLine();
   ComErrorDialog();
+  DropOffsets();
   return DialogChoice == RetryComPort && ScreenUp() && !ProgramEnding();
 }
 
@@ -298,6 +354,14 @@ SessionOver RunSessions() {
 
 // ---- from start to release ----------------------------------------------------------------------
 
+// Result: whether an entry was among it, which nobody will store any more.
+bool DropUnsent() {
+  const bool entryLost = OnflyByteCount > 0;
+  DropOffsets();
+  ResetPostedWrite();
+  return entryLost;
+}
+
 void Begin(const LiveMonitor& monitor) {
   run = {};
   run.monitor = &monitor;
@@ -309,22 +373,13 @@ void Begin(const LiveMonitor& monitor) {
   RefreshActiveEditor();
 }
 
-// Result: whether an entry was among it, which nobody will store any more.
-bool DropUnsent() {
-  const bool entryLost = OnflyByteCount > 0;
-  for (int* pending : {&PendZeroAdv, &PendClearZero, &PendAdv, &PendGama, &PendTog, &PendInj,
-                       &PendTpsBlend, &PendGpo, &PendAfr, &PendEgo})
-    *pending = 0;
-  ResetPostedWrite();
-  return entryLost;
-}
-
 // The screen goes first, so that the user sees the answer while the unit is still told.
 // Result: whether an entry of the user was lost.
 bool Finish() {
   MonitorStop = 1;
   MonitorMode = SessionMode = 0;
   if (ScreenUp()) UnloadScreen(*run.monitor->screen);
+  ForgetAge();
   ReleaseLine();
   PortHeld = false;
   CommError = 0;
@@ -346,6 +401,14 @@ SessionOver RunTrapped() {
   }
 }
 
+SessionOver RunWatched() {
+  constexpr int everyMs = 250;
+  const int timer = StartTimer(everyMs, LookAtAge);
+  const SessionOver why = RunTrapped();
+  StopTimer(timer);
+  return why;
+}
+
 }  // namespace
 
 void RunLive(const LiveMonitor& monitor) {
@@ -359,7 +422,7 @@ void RunLive(const LiveMonitor& monitor) {
     return;
   }
   Begin(monitor);
-  const SessionOver why = RunTrapped();
+  const SessionOver why = RunWatched();
   const bool entryLost = Finish();
   if (monitor.over) monitor.over(why);
   if (entryLost) ShowScreen(frmerr);
@@ -379,10 +442,9 @@ void ToggleLoopControl() {
 void AskToKillEngine() {
   KillFirst = false;
   if (!run.monitor || Stopped()) return;
-  if (run.commandRuns)
-    run.killAsked = true;
-  else
-    KillEngine();
+  if (!run.commandRuns || AnswerOverdue()) return KillEngine();
+  run.killAsked = true;
+  if (run.killTimer == 0) run.killTimer = StartTimer(20, SendKillIfOverdue);
 }
 
 void ShowLiveNow() {
@@ -390,5 +452,7 @@ void ShowLiveNow() {
 }
 
 const FramePair& LastFramePair() { return run.pair; }
+
+bool LiveFiguresOld() { return run.old; }
 
 long LiveFramesTaken() { return run.framesTaken; }

@@ -42,10 +42,14 @@ struct LiveMonitor {
   AfterCommands (*send)() = nullptr;
   // Whether a frame is decoded; one that is not keeps the link alive, and no command is sent.
   bool (*takesFrames)() = nullptr;
+  // The link has failed; the failure screen is next.
+  void (*failed)() = nullptr;
   // A new frame stands in Live. Every frame; what costs time belongs into show.
   void (*decoded)() = nullptr;
   // Writes the figures. Runs while the next frame is on its way, about 60 times a second at most.
   void (*show)() = nullptr;
+  // LiveFiguresOld has changed. The frame that makes the figures new is not decoded yet.
+  void (*aged)() = nullptr;
   // The port is released, MonitorMode is 0 and the screen is unloaded.
   void (*over)(SessionOver why) = nullptr;
 };
@@ -63,14 +67,18 @@ void StopLive();
 void LiveScreenUnloaded();
 // Key C: changes ClosedLoop at once; the command goes out with the next pass.
 void ToggleLoopControl();
-// Key K: "K" goes out at once, or behind the command whose answer is awaited; when the session is
-// given up before that, just before the port is released.
+// Key K: "K" goes out at once, or behind the command whose answer is awaited; when that is overdue
+// it does not wait for it, and when the session is given up before, it goes out just before the
+// port is released.
 void AskToKillEngine();
 // Shows Live without a new frame: keys T and F. Nothing happens before the first frame.
 void ShowLiveNow();
 
 // Frames decoded in the session that runs.
 long LiveFramesTaken();
+// No frame has come for a second: the figures do not tell what the engine does now. The status bar
+// tells of it.
+bool LiveFiguresOld();
 
 // What the last complete pair of frames says: the mean of its two speeds, and the injector's times
 // at its second frame. All 0 before the first pair of a session.

@@ -72,12 +72,16 @@ void Build(Screen& screen) {
 
 // ---- showing ------------------------------------------------------------------------------------
 
+InstrumentFaces FacesNow() {
+  return {.revLimitRpm = CalValues[4],
+          .fahrenheit = ImperialUnits,
+          .temperatureUnit = TemperatureUnit(),
+          .loadUnit = LoadUnit(),
+          .loadMaximum = MapBarMaximum(LoadMode, ImperialUnits, MapBar)};
+}
+
 void ShowFaces() {
-  faces = {.revLimitRpm = CalValues[4],
-           .fahrenheit = ImperialUnits,
-           .temperatureUnit = TemperatureUnit(),
-           .loadUnit = LoadUnit(),
-           .loadMaximum = MapBarMaximum(LoadMode, ImperialUnits, MapBar)};
+  faces = FacesNow();
   DrawFaces(At(Monitor1, "Dials"), faces, colours);
 }
 
@@ -98,10 +102,15 @@ InstrumentReadings Readings() {
   readings.dutyBar = DutyBarValue(Live.duty);
   readings.dutyText = Format(Live.duty * 100, "###.00");
   readings.dutyOver = Live.duty >= 1;
+  readings.old = LiveFiguresOld();
   return readings;
 }
 
-void ShowInstruments() { DrawReadings(At(Monitor1, "Dials"), faces, Readings(), colours); }
+// The faces follow what they depend on: another calibration may have been opened.
+void ShowInstruments() {
+  if (FacesNow() != faces) ShowFaces();
+  DrawReadings(At(Monitor1, "Dials"), faces, Readings(), colours);
+}
 
 void ShowColumn(const StatusColumn& column, const SensorColumn& content) {
   for (int line = 0; line < column.lines; ++line)
@@ -126,6 +135,11 @@ void ShowSensors() {
   ShowLamp(lamps[2], intermit.any);
 }
 
+void ShowAge() {
+  ColourFigures(labels, LiveFiguresOld() ? colours.muted : colours.figure);
+  if (LiveFramesTaken() > 0) ShowInstruments();
+}
+
 void ShowAll() {
   ShowFigures(labels);
   ShowInstruments();
@@ -135,8 +149,21 @@ void ShowAll() {
 
 // ---- the loop's routines ------------------------------------------------------------------------
 
+void ClearSensors() {
+  for (const StatusColumn& column : statusColumns)
+    for (int line = 0; line < column.lines; ++line)
+      SetCaption(At(Monitor1, LineName(column, line)), "");
+  for (const Lamp& lamp : lamps) ShowLamp(lamp, false);
+}
+
+void ShowNoBin() { SetVisible(At(Monitor1, "NoBin"), CurrentBinPath.empty()); }
+
 void Prepare() {
   ClearFigures(labels);
+  for (const char* line : {"BinName", "PromVersion"}) SetCaption(At(Monitor1, line), "");
+  ShowAge();
+  ClearSensors();
+  ShowNoBin();
   BeginOffsets(Monitor1);
   ShowFaces();
 }
@@ -161,7 +188,7 @@ AfterCommands SendCommands() {
     SetCaption(At(Monitor1, "EgoCr"), FigureText(figures[4]));
   }
   SendPendingOffsets();
-  if (!LoopMustEnd()) SetVisible(At(Monitor1, "NoBin"), CurrentBinPath.empty());
+  if (!LoopMustEnd()) ShowNoBin();
   return AfterCommands::RequestFrame;
 }
 
@@ -195,8 +222,10 @@ constexpr LiveMonitor monitor = {
     .reopened = [] { ShowOpenedOffsets(Monitor1); },
     .send = SendCommands,
     .takesFrames = [] { return !FieldEditing; },
+    .failed = [] { UnloadScreen(MonitorInputError); },
     .decoded = Decoded,
     .show = ShowAll,
+    .aged = ShowAge,
     .over = SessionIsOver,
 };
 
@@ -245,7 +274,7 @@ void Unload(Screen&) {
 
 void Resized(Screen&, Control&) {
   ShowFaces();
-  ShowInstruments();
+  if (LiveFramesTaken() > 0) ShowInstruments();
 }
 
 }  // namespace

@@ -97,6 +97,10 @@ void ShowAll() {
                 DutyPercent() > 100 ? colours.warning : colours.caption);
 }
 
+void ShowAge() {
+  ColourFigures(labels, LiveFiguresOld() ? colours.muted : colours.figure);
+}
+
 // ---- the loop's routines ------------------------------------------------------------------------
 
 void TransferPosted() {
@@ -117,6 +121,7 @@ AfterCommands SendCommands() {
 
 void Prepare() {
   ClearFigures(labels);
+  ShowAge();
   ShowStatus("ONFLY OFF", SystemButtonFace);
 }
 
@@ -138,6 +143,7 @@ constexpr LiveMonitor monitor = {
     .send = SendCommands,
     .decoded = [] { ShowStatus("ONFLY IDLE", Green); },
     .show = ShowAll,
+    .aged = ShowAge,
     .over = SessionIsOver,
 };
 

@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr MonitorColours colours{Black, Rgb(190, 190, 190), White, Rgb(255, 90, 80)};
+constexpr MonitorColours colours{Black, Rgb(190, 190, 190), White, Rgb(255, 90, 80),
+                                 Rgb(110, 110, 110)};
 
 class Instruments : public PlatformTest {
  protected:
@@ -65,34 +66,35 @@ class Instruments : public PlatformTest {
 
 TEST_F(Instruments, EachNeedlePointsToItsStep) {
   Draw({.rpm = 4000, .cltStep = 0, .matStep = 179, .tpsStep = 45});
-  EXPECT_NEAR(Pointed(0), NeedleDegrees(90), 1e-9);
-  EXPECT_NEAR(Pointed(1), NeedleDegrees(0), 1e-9);
-  EXPECT_NEAR(Pointed(2), NeedleDegrees(179), 1e-9);
-  EXPECT_NEAR(Pointed(3), NeedleDegrees(45), 1e-9);
+  EXPECT_NEAR(Pointed(0), 87, 1e-9);
+  EXPECT_NEAR(Pointed(1), 177, 1e-9);
+  EXPECT_NEAR(Pointed(2), -2, 1e-9);
+  EXPECT_NEAR(Pointed(3), 132, 1e-9);
 }
 
-TEST_F(Instruments, AStepIsADegreeClockwise) {
+TEST_F(Instruments, BothEndsOfADialStandLevelAndAStepIsADegreeClockwise) {
+  EXPECT_DOUBLE_EQ(NeedleDegrees(0), 177);
+  EXPECT_DOUBLE_EQ(NeedleDegrees(180), -3);
   for (int step = 0; step < DialSteps; ++step)
     EXPECT_DOUBLE_EQ(NeedleDegrees(step) - NeedleDegrees(step + 1), 1);
 }
 
 TEST_F(Instruments, NeedlesStayOnTheirDials) {
   Draw({.rpm = 20000, .cltStep = -40, .matStep = 300, .tpsStep = 180});
-  EXPECT_NEAR(Pointed(0), NeedleDegrees(180), 1e-9);
-  EXPECT_NEAR(Pointed(1), NeedleDegrees(0), 1e-9);
-  EXPECT_NEAR(Pointed(2), NeedleDegrees(180), 1e-9);
+  EXPECT_NEAR(Pointed(0), -3, 1e-9);
+  EXPECT_NEAR(Pointed(1), 177, 1e-9);
+  EXPECT_NEAR(Pointed(2), -3, 1e-9);
 }
 
 TEST_F(Instruments, YellowAndRedBandStandAtTheirDegrees) {
   Draw({});
   const auto bands = Bands();
   ASSERT_EQ(bands.size(), 2u);
-  const double turned = NeedleDegrees(0) - 174;
-  const double yellow = 174 - 5500 / 46.0, red = 174 - 6500 / 46.0;
-  EXPECT_NEAR(bands[0].startDegrees + bands[0].sweepDegrees, yellow + turned, 1e-9);
-  EXPECT_NEAR(bands[0].startDegrees, red + turned, 1e-9);
-  EXPECT_NEAR(bands[1].startDegrees + bands[1].sweepDegrees, red + turned, 1e-9);
-  EXPECT_NEAR(bands[1].startDegrees, -4 + turned, 1e-9);
+  // 174 - 5500 / 46 and 174 - 6500 / 46, and three degrees that the dial is turned by.
+  EXPECT_NEAR(bands[0].startDegrees + bands[0].sweepDegrees, 57.43478, 1e-5);
+  EXPECT_NEAR(bands[0].startDegrees, 35.69565, 1e-5);
+  EXPECT_NEAR(bands[1].startDegrees + bands[1].sweepDegrees, 35.69565, 1e-5);
+  EXPECT_NEAR(bands[1].startDegrees, -1, 1e-9);
   EXPECT_NE(bands[0].stroke.colour, bands[1].stroke.colour);
 }
 
@@ -146,6 +148,14 @@ TEST_F(Instruments, DigitsStandAboveTheFaces) {
         .dutyText = "37.08"});
   EXPECT_EQ(Texts(true),
             (std::multiset<std::string>{"4449", "87", "32", ".61", "81.9", "3.0", "37.08"}));
+}
+
+TEST_F(Instruments, OldReadingsAreMutedAllOfThem) {
+  Draw({.rpmText = "4449", .load = 55, .egoVolts = 1, .dutyBar = 1000, .dutyOver = true, .old = true});
+  for (auto kind : {PrimitiveKind::Polygon, PrimitiveKind::Disc, PrimitiveKind::Rectangle,
+                    PrimitiveKind::Text})
+    for (const Primitive& drawn : Drawn(kind, true))
+      EXPECT_EQ(drawn.stroke.colour, colours.muted);
 }
 
 TEST_F(Instruments, BarsReachToTheirShare) {

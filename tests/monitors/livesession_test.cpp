@@ -180,6 +180,102 @@ TEST_F(LiveSession, OldPromOfAnotherOffsetIsToldAtEachOfTheTenTries) {
   ExpectReleased();
 }
 
+// ---- a kill while the unit is silent ------------------------------------------------------------
+
+TEST_F(LiveSession, KillDoesNotWaitForAnAnswerThatIsOverdue) {
+  for (const char* command : {"P2", "R311", "S104B72C00"}) {
+    for (double afterMs : {60.0, 700.0}) {
+      std::int64_t asked = 0, killed = 0;
+      unit.frames = 0;
+      unit.mute = [&](std::string_view heard) { return heard.starts_with(command); };
+      AfterFrames(2, [&] {
+        PendAdv = 1;
+        OnAdvance = 4;
+        PostWrite(217, 6, 300, 1);
+        AfterMs(afterMs, [&] {
+          asked = NowUs();
+          AskToKillEngine();
+        });
+      });
+      DeviceNamed("COM1")->written = [&](std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+        for (std::uint8_t byte : bytes) unit.Hear(byte);
+        if (bytes.front() == 'K' && killed == 0) killed = nowUs;
+      };
+      AfterMs(2000, [] { StopLive(); });
+      Run();
+      EXPECT_GT(killed, 0) << command;
+      EXPECT_LT(killed - asked, 125'000) << command;
+      ExpectReleased();
+      Connect();
+    }
+  }
+}
+
+// ---- figures of a unit that does not answer -----------------------------------------------------
+
+TEST_F(LiveSession, FiguresAreDimmedWhileNoFrameComesAndTheStatusBarTells) {
+  bool silent = false;
+  unit.mute = [&](std::string_view command) { return silent && command == "F"; };
+  auto colour = [] { return At(Monitor3, "Adv").foreColour; };
+  const std::string status = frmMain.statusPanels[0];
+  AfterMs(400, [&] {
+    EXPECT_EQ(colour(), ColoursOfSetting().figure);
+    silent = true;
+  });
+  AfterMs(1300, [&] { EXPECT_EQ(colour(), ColoursOfSetting().figure); });
+  AfterMs(1800, [&] {
+    EXPECT_EQ(colour(), ColoursOfSetting().muted);
+    EXPECT_EQ(frmMain.statusPanels[0], "Status: The ZEM does not answer.");
+    EXPECT_EQ(Seen("Status"), "ONFLY IDLE");
+    EXPECT_TRUE(LiveFiguresOld());
+    silent = false;
+  });
+  AfterMs(3000, [&] {
+    EXPECT_EQ(colour(), ColoursOfSetting().figure);
+    EXPECT_EQ(frmMain.statusPanels[0], status);
+    StopLive();
+  });
+  Run();
+  ExpectReleased();
+}
+
+TEST_F(LiveSession, FiguresAreDimmedWhileACommandIsRepeatedAndWhileTheSessionIsReopened) {
+  for (const char* command : {"P2", "R311"}) {
+    unit.frames = 0;
+    bool silent = true;
+    unit.mute = [&](std::string_view heard) { return silent && heard == command; };
+    AfterFrames(2, [] {
+      PendAdv = 1;
+      OnAdvance = 4;
+      PostWrite(217, 6, 300, 1);
+    });
+    AfterMs(2000, [&] {
+      EXPECT_TRUE(LiveFiguresOld()) << command;
+      EXPECT_EQ(At(Monitor3, "Adv").foreColour, ColoursOfSetting().muted);
+      silent = false;
+    });
+    AfterMs(14'000, [&] {
+      EXPECT_FALSE(LiveFiguresOld()) << command;
+      EXPECT_EQ(At(Monitor3, "Adv").foreColour, ColoursOfSetting().figure);
+      StopLive();
+    });
+    Run();
+  }
+}
+
+TEST_F(LiveSession, SilentOpeningIsToldOfFromItsSecondTryAndLeavingTakesItBack) {
+  const std::string status = frmMain.statusPanels[0];
+  unit.mute = [](std::string_view) { return true; };
+  AfterMs(900, [&] { EXPECT_EQ(frmMain.statusPanels[0], status); });
+  AfterMs(1500, [&] {
+    EXPECT_EQ(frmMain.statusPanels[0], "Status: The ZEM does not answer.");
+    StopLive();
+  });
+  Run();
+  EXPECT_EQ(frmMain.statusPanels[0], status);
+  EXPECT_FALSE(LiveFiguresOld());
+}
+
 // ---- time-outs of frames ------------------------------------------------------------------------
 
 TEST_F(LiveSession, AFrameIsWaitedForThrough32767PassesAndAskedAgain) {
@@ -236,6 +332,21 @@ TEST_F(LiveSession, RetryCountsTimeOutsFromZero) {
   Run();
   EXPECT_EQ(unit.frames, 20);
   EXPECT_EQ(captions.size(), 2U);
+}
+
+TEST_F(LiveSession, WhatWasEnteredBeforeAFailureDoesNotGoOutAfterARetry) {
+  unit.mute = [this](std::string_view command) { return command == "F" && unit.frames < 12; };
+  AfterFrames(1, [] {
+    PendTog = PendZeroAdv = PendAfr = 1;
+    AfrCleared = true;
+  });
+  AnswerFailure({retry});
+  AfterFrames(14, [this] {
+    EXPECT_EQ(unit.TakeHeard(), opening + " " + opening);
+    EXPECT_FALSE(AfrCleared);
+    StopLive();
+  });
+  Run();
 }
 
 // ---- failures in the loop -----------------------------------------------------------------------
@@ -464,6 +575,46 @@ TEST_F(LiveSession, ForcedOpenLoopIsGivenBackBeforeTheFailureScreen) {
   AnswerFailure({cancel});
   Run();
   EXPECT_EQ(unit.TakeHeard(), opening + " RUFF RU00");
+  ExpectReleased();
+}
+
+// A key held down repeats while the first command is under way.
+TEST_F(LiveSession, LoopControlChangedDuringItsCommandGoesOutOnceMore) {
+  for (double afterMs : {5.0, 12.0, 19.0, 30.0}) {
+    unit.frames = 0;
+    unit.mute = [&](std::string_view command) {
+      if (command != "RUFF") return false;
+      AfterMs(35, [] { DeliverAt("COM1", NowUs(), {'A', 'X'}); });
+      return true;
+    };
+    AfterFrames(2, [&] {
+      unit.TakeHeard();
+      ToggleLoopControl();
+      AfterMs(20 + afterMs, [] { ToggleLoopControl(); });
+    });
+    AfterMs(600, [this] {
+      EXPECT_EQ(unit.TakeHeard(), "RUFF RU00");
+      EXPECT_TRUE(ClosedLoop);
+      StopLive();
+    });
+    Run();
+    EXPECT_EQ(unit.TakeHeard(), "") << "nothing is left to be given back";
+    ExpectReleased();
+  }
+}
+
+TEST_F(LiveSession, UnitThatHasHeardNoReleaseGetsItOnLeaving) {
+  AfterFrames(2, [&] {
+    unit.TakeHeard();
+    ToggleLoopControl();
+    AfterMs(25, [] {
+      ToggleLoopControl();
+      StopLive();
+    });
+  });
+  unit.mute = [](std::string_view command) { return command == "RUFF"; };
+  Run();
+  EXPECT_EQ(unit.TakeHeard(), "RUFF RU00");
   ExpectReleased();
 }
 

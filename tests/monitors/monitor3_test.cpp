@@ -306,8 +306,8 @@ TEST_F(Monitor3Test, KDuringACommandGoesOutBehindIt) {
     unit.TakeHeard();
     PendAdv = 1;
     OnAdvance = 4;
-    AfterMs(100, [] { TypeText("k"); });
-    AfterMs(150, [this] {
+    AfterMs(60, [] { TypeText("k"); });
+    AfterMs(100, [this] {
       EXPECT_EQ(unit.TakeHeard(), "R311");
       DeliverAt("COM1", NowUs(), {'A', 'X'});
     });
@@ -325,8 +325,8 @@ TEST_F(Monitor3Test, KDuringACommandIsSentOnLeavingWhenItsAnswerNeverComes) {
     unit.TakeHeard();
     PendAdv = 1;
     OnAdvance = 4;
-    AfterMs(100, [] { TypeText("k"); });
-    AfterMs(150, [this] {
+    AfterMs(60, [] { TypeText("k"); });
+    AfterMs(100, [this] {
       EXPECT_EQ(unit.TakeHeard(), "R311");
       PressKey("Esc");
     });
@@ -340,8 +340,8 @@ TEST_F(Monitor3Test, KDuringACommandIsSentOnLeavingWhenItsAnswerNeverComes) {
 TEST_F(Monitor3Test, KThatCouldNotBeSentBeforeTheCableWasPulledIsForgotten) {
   bool pulled = false;
   unit.mute = [&](std::string_view command) { return command == "R700" && !pulled; };
-  AfterMs(300, [] { AskToKillEngine(); });
-  AfterMs(350, [&] { DeviceNamed("COM1")->gone = pulled = true; });
+  AfterMs(150, [] { AskToKillEngine(); });
+  AfterMs(180, [&] { DeviceNamed("COM1")->gone = pulled = true; });
   const int timer = StartTimer(500, [] {
     if (!helpfrm.visible) return;
     DeviceNamed("COM1")->gone = false;
