@@ -7,6 +7,7 @@
 #include "core/numbers.h"
 #include "link/liveframe.h"
 #include "link/onfly.h"
+#include "monitors/livesession.h"
 #include "monitors/monitorkeys.h"
 #include "platform/dialogs.h"
 
