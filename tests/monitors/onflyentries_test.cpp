@@ -148,7 +148,9 @@ TEST_F(OnflyEditing, AnEntryThatIsNotSentAnyMoreIsToldOf) {
     RunPending();
     EXPECT_FALSE(frmerr.loaded);
     EXPECT_EQ(Top(), way.top);
-    if (Editor().loaded) EXPECT_EQ(ShownText(Editor(), "Text11"), "1.50000");
+    if (Editor().loaded) {
+      EXPECT_EQ(ShownText(Editor(), "Text11"), "1.50000");
+    }
     EXPECT_EQ(CalValues[344], 1.5F);
     EXPECT_EQ(InUnit(turnOnByte), before);
     ExpectReleased();
