@@ -29,7 +29,6 @@ TableRules Rules() {
                    .columnPrompt = "Enter New AFR Column Value:"},
           .graphButton = "Command2",
           .graphCaption = "A/F Ratio &Graph",
-          .graphBesideLogging = true,
           .handOver = [] {
             return GraphHandOver{"Air/Fuel Ratio &Value =", ""};
           }};

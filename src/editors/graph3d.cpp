@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <string>
 
+#include "core/encoder.h"
 #include "core/numbers.h"
 #include "editors/editcycle.h"
 #include "editors/graph3dpicture.h"
 #include "editors/graphcaption.h"
+#include "platform/dialogs.h"
 #include "shell/hotkeys.h"
+#include "shell/mainframe.h"
 
 Screen Graph3D;
 int CursorColumn = 1;
@@ -19,8 +22,10 @@ namespace {
 constexpr int LastCursorColumn = 11;
 constexpr int LastCursorRow = 10;
 constexpr int FirstBreakpointColumn = FirstTableColumn;
+constexpr int onflySession = 3;
 
-// What belongs to each table, in the order of TableKind: where + and - write, and where Back goes.
+// What belongs to each table, in the order of TableKind: where + and - write, where Back goes, and
+// whether the graph may be used beside the analog monitor and the logger.
 struct TableRow {
   WorkGrid& working;
   int calBase;   // index of the cell before the first
@@ -28,12 +33,13 @@ struct TableRow {
   StepRule rule;
   const char* screen;
   const char* graphButton;
+  bool besideLogging = false;
 };
 const TableRow rows[] = {
     {VeWork, 124, 100, {1, 50, -50}, "frmVETable", "VEGraph"},
     {GpoWork, 260, 1, {1, 100, 0}, "GPO_Ctl", "Command1"},
     {AdvanceWork, 60, 1, {1, 60, 0}, "Ign_adv_tbl", "Command1"},
-    {AfrWork, 344, 1, {0.01, 19.14, 10.14}, "EGO_AF_TBL", "Command2"},
+    {AfrWork, 344, 1, {0.01, 19.14, 10.14}, "EGO_AF_TBL", "Command2", true},
 };
 
 const TableRow& RowOf(int table) { return rows[std::clamp(table, 0, 3)]; }
@@ -61,8 +67,9 @@ void WriteBack() {
   CalChanged = true;
 }
 
+// A session may have begun since the graph was opened, and nothing is posted from here.
 void StepValue(bool up) {
-  if (CursorColumn == 1 || !Editable()) return;
+  if (CursorColumn == 1 || !Editable() || GraphRefused(SelectedTable)) return;
   SetText(At(Graph3D, "Value_Text"), "");
   const StepRule rule = RowOf(SelectedTable).rule;
   const double value = ValueOfNode(ValueAtCursor());
@@ -72,7 +79,23 @@ void StepValue(bool up) {
       up ? std::min(value + rule.step, rule.top) : std::max(value - rule.step, rule.bottom);
   ValueAtCursor() = static_cast<float>(next);
   WriteBack();
+}
+
+// Nothing is left to draw when the session or the program has closed the graph behind a box.
+void Draw() {
+  if (!Graph3D.loaded || Graph3D.closing) return;
   GraphDims();
+  PlotData();
+  ShowFields();
+}
+
+// The calibration may be another one since the views were built. Every + and - writes them back, so
+// that old ones would overwrite it.
+void Rebuild() {
+  PublishCalGlobals();
+  CopyTablesToWork();
+  BuildTableViews();
+  Draw();
 }
 
 // Result: whether the key is one of the graph's.
@@ -104,11 +127,11 @@ void TakeKeyDown(Screen&, KeyEvent& event) {
   }
   if (TakeKey(event)) {
     event.handled = true;
-    PlotData();
-    ShowFields();
+    Draw();
     return;
   }
-  HandleHotKey(event);
+  // A save may put values right in the calibration.
+  if (HandleHotKey(event) && event.key == 'S') Rebuild();
 }
 
 void GoBack() {
@@ -179,12 +202,23 @@ void Load(Screen&) {
   ShowFields();
 }
 
+void Shown(Screen&) {
+  DoStats();
+  Rebuild();
+}
+
 void Resized(Screen&, Control&) {
   GraphDims();
   PlotData();
 }
 
 }  // namespace
+
+bool GraphRefused(int table) {
+  const bool live = RowOf(table).besideLogging ? MonitorMode == onflySession : MonitorMode != 0;
+  if (live) MsgBox("This Process is Unavailable while ONFLY Monitoring is Active.");
+  return live;
+}
 
 StepRule StepRuleOf(int table) { return RowOf(table).rule; }
 
@@ -208,6 +242,7 @@ void RegisterGraph3D() {
   Graph3D.build = Build;
   Graph3D.on = {};
   Graph3D.on.load = Load;
+  Graph3D.on.shown = Shown;
   Graph3D.on.keyDown = TakeKeyDown;
   Graph3D.on.resized = Resized;
   Graph3D.on.click = [](Screen&, Control& control) {

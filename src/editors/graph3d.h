@@ -19,6 +19,9 @@ void DrawAxes();
 // The whole picture: box, surface, titles, labels, marker.
 void PlotData();
 
+// The graph of this table is not available in the session that runs: says so and returns true.
+bool GraphRefused(int table);
+
 // The title of a table and view, three lines, empty where there is none.
 std::array<const char*, 3> SurfaceTitle(int table, int veView);
 // What + and - do to the values of a table.

@@ -7,7 +7,7 @@
 
 #include "core/encoder.h"
 #include "core/numbers.h"
-#include "platform/dialogs.h"
+#include "editors/graph3d.h"
 
 int SelectedCell = 1;
 
@@ -156,17 +156,10 @@ void Clicked(Editor& editor, Control& control) {
 
 // ---- graph --------------------------------------------------------------------------------------
 
-bool GraphIsRefused(const TableRules& rules) {
-  return rules.graphBesideLogging ? MonitorMode == onflySession : MonitorMode != 0;
-}
-
 // The graph may draw as soon as it is loaded, so that its views are built before.
 void OpenGraph(Editor& editor, const EditorButton&) {
   TableEditor& table = TableOf(editor);
-  if (GraphIsRefused(table.rules)) {
-    MsgBox("This Process is Unavailable while ONFLY Monitoring is Active.");
-    return;
-  }
+  if (GraphRefused(table.rules.table)) return;
   PublishCalGlobals();
   RefreshWork(table);
   Graph3DCaption = table.rules.handOver();

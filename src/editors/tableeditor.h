@@ -49,7 +49,6 @@ struct TableRules {
   FillTexts fill;
   std::string graphButton;  // control of the button that opens the 3D graph
   std::string graphCaption;
-  bool graphBesideLogging = false;  // refused in an ONFLY session only
   GraphHandOver (*handOver)() = nullptr;
 
   // Hooks, each may be null.
