@@ -17,9 +17,18 @@ void OpenCalibration();
 // found beside the program too. A failure leaves CurrentBinPath empty and CalValues as they were.
 void LoadBaseCalibration();
 
+// Bytes of BinImage: the first one, and how many.
+struct ImageBytes {
+  int first = 0;
+  int count = 0;
+};
+// The bytes that wait in BinImage to be sent to the control unit. Set by the link; none until then.
+extern ImageBytes (*BytesWaiting)();
+
 // Writes CalValues to TargetBinPath and, encoded, to the S19 file beside it. Each of the files is
 // replaced as a whole or stays as it was; bytes of an existing file behind the 2048 of a BIN stay.
-// CalChanged is cleared when all has been written. Result: whether it has.
+// CalChanged is cleared when all has been written. Result: whether it has. BinImage is encoded
+// anew, but for the bytes that wait to be sent.
 bool savedata();
 
 // Save As: asks for a name until it is not the base file's, makes it the open file's and saves.

@@ -65,6 +65,30 @@ void WriteBin(const std::string& path) {
   SaveWholeFile(path, bytes);
 }
 
+// Bytes that an editor has posted are not in the files, since the control unit has not taken them
+// yet. BinImage gets them back: they go out from there.
+class KeepsWaitingBytes {
+ public:
+  KeepsWaitingBytes() = default;
+  KeepsWaitingBytes(const KeepsWaitingBytes&) = delete;
+  KeepsWaitingBytes& operator=(const KeepsWaitingBytes&) = delete;
+  ~KeepsWaitingBytes() {
+    const int end = std::min(waiting_.first + waiting_.count, static_cast<int>(BinImage.size()));
+    for (int i = std::max(waiting_.first, 0); i < end; ++i)
+      BinImage[static_cast<std::size_t>(i)] = image_[static_cast<std::size_t>(i)];
+  }
+
+ private:
+  const ImageBytes waiting_ = BytesWaiting();
+  const decltype(BinImage) image_ = BinImage;
+};
+
+bool WriteImage() {
+  const KeepsWaitingBytes keeps;
+  EncodeCalibration();
+  return WriteS19();
+}
+
 bool Save() {
   if (TargetBinPath.empty()) {
     MsgBox(std::string(NoBinFileText));
@@ -76,13 +100,14 @@ bool Save() {
   StoreNameInCalibration();
   WriteBin(TargetBinPath);
   ShowOpenFile(TargetBinPath);
-  EncodeCalibration();
-  if (!WriteS19()) return false;
+  if (!WriteImage()) return false;
   CalChanged = false;
   return true;
 }
 
 }  // namespace
+
+ImageBytes (*BytesWaiting)() = [] { return ImageBytes{}; };
 
 bool savedata() {
   try {

@@ -161,7 +161,12 @@ void Post(const EditorField& row, double stored) {
   }
   for (std::size_t i = 0; i < static_cast<std::size_t>(row.byteCount); ++i)
     BinImage[static_cast<std::size_t>(row.imageByte) + i] = static_cast<std::int16_t>(bytes[i]);
-  PostWrite(row.calIndex, stored, row.imageByte, row.byteCount);
+  PostWrite(row.calIndex, stored, row.imageByte, row.byteCount, StoreAccepted);
+}
+
+// Of a value that the live loop leaves to its screen, also when that is closed meanwhile.
+void StoreAccepted(int calIndex, double value) {
+  CalValues[static_cast<std::size_t>(calIndex)] = static_cast<float>(value);
 }
 
 void Accept(Editor& editor, const EditorField& row, double entry) {

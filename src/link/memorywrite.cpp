@@ -1,10 +1,10 @@
 // Writes of one or two bytes into the running control unit.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string_view>
-#include <utility>
 
 #include "core/globalstate.h"
 #include "core/numbers.h"
@@ -114,8 +114,62 @@ Write TryWrite(int index, int count) {
   }
 }
 
+// Tells the user of a write that the control unit did not take.
+Write WriteAndTell(int index, float count) {
+  const Write write = TryWrite(index, static_cast<int>(count));
+  if (write == Write::Refused || write == Write::InvalidProm) ShowScreen(frmerr);
+  if (write == Write::InvalidProm) PROME();
+  return write;
+}
+
 // The GPO word is stored by its own screen.
 bool BelongsToItsScreen(int index) { return index == 244 || index == 245; }
+
+struct PostedWrite {
+  int calIndex;
+  double value;
+  int imageIndex;
+  float count;
+  StoreRoutine store;
+  std::array<std::int16_t, 2> bytes;
+};
+
+bool InImage(int index) { return index >= 0 && index < static_cast<int>(BinImage.size()); }
+
+// Taken off before it is sent: what an editor posts meanwhile is the next write, and its value must
+// not be stored for this one.
+PostedWrite TakePosted() {
+  PostedWrite posted{OnflyCalIndex, OnflyValue, OnflyImageIndex, OnflyByteCount, OnflyStore, {}};
+  for (int i = 0; i < 2; ++i)
+    if (InImage(posted.imageIndex + i))
+      posted.bytes[static_cast<std::size_t>(i)] =
+          BinImage[static_cast<std::size_t>(posted.imageIndex + i)];
+  OnflyImageIndex = 0;
+  OnflyByteCount = 0;
+  return posted;
+}
+
+// The session has ended in the middle. Should it be taken up again, the write goes out then; a save
+// may have encoded the image anew meanwhile.
+void PostAgain(const PostedWrite& posted) {
+  const int count = static_cast<int>(posted.count);
+  for (int i = 0; i < std::min(count, 2); ++i)
+    if (InImage(posted.imageIndex + i))
+      BinImage[static_cast<std::size_t>(posted.imageIndex + i)] =
+          posted.bytes[static_cast<std::size_t>(i)];
+  PostWrite(posted.calIndex, posted.value, posted.imageIndex, count, posted.store);
+}
+
+// A save may have cleared CalChanged since the entry.
+void StoreAccepted(const PostedWrite& posted) {
+  if (!BelongsToItsScreen(posted.imageIndex))
+    ElementAt(std::span<float>(CalValues), posted.calIndex) = static_cast<float>(posted.value);
+  else if (posted.store)
+    posted.store(posted.calIndex, posted.value);
+  else
+    return;
+  CalChanged = true;
+}
 
 }  // namespace
 
@@ -133,26 +187,21 @@ std::string OnflyRecord(int index, int count) {
 
 void ONFLY(int index, float count, float& result) {
   result = 1;
-  const Write write = TryWrite(index, static_cast<int>(count));
-  if (write == Write::Accepted) result = BelongsToItsScreen(index) ? 2 : 0;
-  if (write == Write::Refused || write == Write::InvalidProm) ShowScreen(frmerr);
-  if (write == Write::InvalidProm) PROME();
+  if (WriteAndTell(index, count) == Write::Accepted) result = BelongsToItsScreen(index) ? 2 : 0;
 }
 
 Transfer TransferPostedWrite() {
   if (!(OnflyByteCount > 0)) return Transfer::Nothing;
-  // Taken off before it is sent: what an editor posts meanwhile is the next write, and its value
-  // must not be stored for this one.
-  const int calIndex = OnflyCalIndex;
-  const double value = OnflyValue;
-  const int imageIndex = std::exchange(OnflyImageIndex, 0);
-  const float count = std::exchange(OnflyByteCount, 0.0F);
-  float result = 1;
-  ONFLY(imageIndex, count, result);
-  if (result == 0) ElementAt(std::span<float>(CalValues), calIndex) = static_cast<float>(value);
-  if (result != 1) RefreshActiveEditor();
+  const PostedWrite posted = TakePosted();
+  const Write write = WriteAndTell(posted.imageIndex, posted.count);
+  if (write == Write::Left && !(OnflyByteCount > 0)) PostAgain(posted);
+  if (write == Write::Accepted) {
+    StoreAccepted(posted);
+    RefreshActiveEditor();
+  }
   MSComm1.RThreshold = 27;
   MSComm1.InputLen = 0;
-  if (result == 1) return Transfer::Refused;
-  return result == 2 ? Transfer::Written : Transfer::Stored;
+  if (write == Write::Left) return Transfer::Unsent;
+  if (write != Write::Accepted) return Transfer::Refused;
+  return BelongsToItsScreen(posted.imageIndex) ? Transfer::Written : Transfer::Stored;
 }

@@ -129,8 +129,9 @@ void ONFLY(int index, float count, float& result);
 // of them is no byte.
 std::string OnflyRecord(int index, int count);
 
-enum class Transfer { Nothing, Stored, Written, Refused };
-// Sends the posted write, if there is one, and takes it off. Stored: CalValues has the value and
-// RefreshActiveEditor has run; Written: only that (bytes 244 and 245 belong to their screens);
-// Refused: nothing is stored. The port is set for frames again.
+enum class Transfer { Nothing, Stored, Written, Refused, Unsent };
+// Sends the posted write, if there is one, and takes it off. Stored: CalValues has the value,
+// CalChanged is set and RefreshActiveEditor has run; Written: the same, but bytes 244 and 245
+// belong to their screen, and OnflyStore has stored; Refused: nothing is stored; Unsent: the loop
+// is to end, and the write is posted still. The port is set for frames again.
 Transfer TransferPostedWrite();

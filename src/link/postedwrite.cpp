@@ -1,17 +1,28 @@
 // State of the posted memory write.
 #include "link/postedwrite.h"
 
+#include "core/binfile.h"
+
 std::int32_t OnflyCalIndex = 0;
 double OnflyValue = 0;
 std::int32_t OnflyImageIndex = 0;
 float OnflyByteCount = 0;
+StoreRoutine OnflyStore = nullptr;
 void (*RefreshActiveEditor)() = [] {};
 
-void PostWrite(int calIndex, double value, int imageIndex, int byteCount) {
+namespace {
+
+ImageBytes PostedBytes() { return {OnflyImageIndex, static_cast<int>(OnflyByteCount)}; }
+
+}  // namespace
+
+void PostWrite(int calIndex, double value, int imageIndex, int byteCount, StoreRoutine store) {
   OnflyCalIndex = calIndex;
   OnflyValue = value;
   OnflyImageIndex = imageIndex;
   OnflyByteCount = static_cast<float>(byteCount);
+  OnflyStore = store;
+  BytesWaiting = PostedBytes;
 }
 
 void ResetPostedWrite() { PostWrite(0, 0, 0, 0); }

@@ -1,5 +1,5 @@
-// The memory write that an editor posts in an ONFLY session and that the live loop sends between two
-// frames. An editor never speaks to the control unit itself.
+// The memory write that an editor posts in an ONFLY session and that the live loop sends between
+// two frames. An editor never speaks to the control unit itself.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,15 @@ extern double OnflyValue;
 extern std::int32_t OnflyImageIndex;
 // 0 nothing posted, 1 or 2 bytes posted. Starts as 0.
 extern float OnflyByteCount;
+// Stores the value of image bytes 244 and 245 when the control unit has accepted it: the live loop
+// leaves these to the screen that has posted them. Null stores nothing. Starts as null.
+using StoreRoutine = void (*)(int calIndex, double value);
+extern StoreRoutine OnflyStore;
 
-// Posts a write; one that was posted and not sent yet is lost. BinImage holds the bytes already.
-void PostWrite(int calIndex, double value, int imageIndex, int byteCount);
+// Posts a write; one that was posted and not sent yet is lost. BinImage holds the bytes already,
+// and keeps them over a save.
+void PostWrite(int calIndex, double value, int imageIndex, int byteCount,
+               StoreRoutine store = nullptr);
 
 // Redraws the editor on top, if one is up: the live loop calls it after an accepted write. Set by
 // the editors; does nothing until then.

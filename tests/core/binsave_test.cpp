@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "core/binfile.h"
+#include "core/encoder.h"
 #include "core/globalstate.h"
 #include "core/s19file.h"
 #include "core/version.h"
@@ -45,6 +46,35 @@ TEST_F(BinSave, WritesTheCalibrationAndItsImage) {
   EXPECT_EQ(FileTextOf(s19Path), S19Text(BinImage));
   EXPECT_FALSE(CalChanged);
   EXPECT_EQ(AllFiles(), (std::vector<std::string>{s19Path, binPath}));
+}
+
+TEST_F(BinSave, BytesThatWaitToBeSentStayInTheImageAndOutOfTheFiles) {
+  OpenAndChange();
+  BytesWaiting = [] { return ImageBytes{300, 2}; };
+  BinImage[299] = BinImage[302] = 77;
+  BinImage[300] = 78;
+  BinImage[301] = 79;
+  EXPECT_TRUE(savedata());
+  BytesWaiting = [] { return ImageBytes{}; };
+  EXPECT_EQ(BinImage[300], 78);
+  EXPECT_EQ(BinImage[301], 79);
+  const auto kept = BinImage;
+  EncodeCalibration();
+  EXPECT_NE(BinImage[300], 78);
+  EXPECT_EQ(BinImage[299], kept[299]);
+  EXPECT_EQ(BinImage[302], kept[302]);
+  EXPECT_EQ(FileTextOf(s19Path), S19Text(BinImage));
+}
+
+TEST_F(BinSave, BytesThatWaitStayWhenTheImageCannotBeWritten) {
+  OpenAndChange();
+  BytesWaiting = [] { return ImageBytes{300, 1}; };
+  BinImage[300] = 78;
+  FailNthWrite(2, FailureDiskFull);
+  EXPECT_FALSE(savedata());
+  BytesWaiting = [] { return ImageBytes{}; };
+  ExpectErrorBox(61, "Disk full");
+  EXPECT_EQ(BinImage[300], 78);
 }
 
 TEST_F(BinSave, WithoutAFileSaysSo) {

@@ -1,0 +1,101 @@
+// The posted write from the entry to the calibration: what is stored, when, and by whom.
+#include "link/postedwrite.h"
+
+#include <optional>
+
+#include "platform/headless/script.h"
+#include "support/headless/linktest.h"
+#include "support/headless/zemdevice.h"
+
+namespace {
+
+class PostedWriteTest : public LinkTest {
+ protected:
+  void SetUp() override {
+    LinkTest::SetUp();
+    device.emplace();
+    ASSERT_TRUE(OpenCommPort(27, 0));
+    stored.clear();
+  }
+  void TearDown() override {
+    UnloadScreen(frmerr);
+    device.reset();
+    LinkTest::TearDown();
+  }
+  static void Store(int calIndex, double value) { stored.emplace_back(calIndex, value); }
+
+  std::optional<ZemDevice> device;
+  static inline std::vector<std::pair<int, double>> stored;
+};
+
+}  // namespace
+
+TEST_F(PostedWriteTest, AnAcceptedValueIsAChange) {
+  BinImage[2] = 77;
+  PostWrite(2, 1.25, 2, 1, Store);
+  CalChanged = false;
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Stored);
+  EXPECT_EQ(CalValues[2], 1.25F);
+  EXPECT_TRUE(CalChanged);
+  EXPECT_TRUE(stored.empty()) << "the loop stores it, not the screen";
+}
+
+TEST_F(PostedWriteTest, ARefusedValueIsNone) {
+  for (int byte : {2, 244}) {
+    device->ClearAll();
+    device->Fail("refuse:1:1");
+    PostWrite(2, 1.25, byte, 1, Store);
+    CalChanged = false;
+    EXPECT_EQ(TransferPostedWrite(), Transfer::Refused);
+    EXPECT_FALSE(CalChanged);
+    EXPECT_TRUE(stored.empty());
+    EXPECT_EQ(OnflyByteCount, 0);
+  }
+}
+
+TEST_F(PostedWriteTest, TheGpoWordIsStoredByItsScreenOnceAccepted) {
+  for (int byte : {244, 245}) {
+    BinImage[static_cast<std::size_t>(byte)] = 102;
+    PostWrite(17 + byte, 40, byte, 1, Store);
+    CalChanged = false;
+    EXPECT_TRUE(stored.empty());
+    EXPECT_EQ(TransferPostedWrite(), Transfer::Written);
+    EXPECT_EQ(stored, (std::vector<std::pair<int, double>>{{17 + byte, 40}}));
+    EXPECT_TRUE(CalChanged);
+    stored.clear();
+  }
+}
+
+TEST_F(PostedWriteTest, AWriteThatTheSessionsEndCutsOffStaysPosted) {
+  device->Fail("silent@S1");
+  BinImage[4] = 0x11;
+  BinImage[5] = 0x22;
+  PostWrite(4, 6000, 4, 2, Store);
+  AfterMs(100, [] {
+    BinImage[4] = BinImage[5] = 0;  // as a save may do
+    MonitorStop = 1;
+  });
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Unsent);
+  EXPECT_EQ(CalValues[4], 0);
+  EXPECT_EQ(OnflyCalIndex, 4);
+  EXPECT_EQ(OnflyByteCount, 2);
+  EXPECT_EQ(BinImage[4], 0x11);
+  EXPECT_FALSE(frmerr.loaded);
+  MonitorStop = 0;
+  device->ClearAll();
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Stored);
+  EXPECT_EQ(CalValues[4], 6000);
+  EXPECT_EQ(device->zem.Memory()[4], 0x11);
+  EXPECT_EQ(device->zem.Memory()[5], 0x22);
+}
+
+TEST_F(PostedWriteTest, ALaterEntryIsNotReplacedByTheOneCutOff) {
+  device->Fail("silent@S1");
+  PostWrite(2, 1, 2, 1);
+  AfterMs(100, [] {
+    PostWrite(3, 7, 3, 1);
+    MonitorStop = 1;
+  });
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Unsent);
+  EXPECT_EQ(OnflyCalIndex, 3);
+}
