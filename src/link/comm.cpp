@@ -18,6 +18,7 @@ bool PortHeld = false;
 float CommError = 0;
 float OnflyFault = 0;
 int MonitorStop = 0;
+int SessionMode = 0;
 int DialogChoice = 0;
 std::string PortTrouble;
 void (*RefreshStatusLine)() = [] {};
@@ -166,6 +167,7 @@ void ResetLinkState() {
   CommError = 0;
   OnflyFault = 0;
   MonitorStop = 0;
+  SessionMode = 0;
   DialogChoice = 0;
   PortTrouble.clear();
 }

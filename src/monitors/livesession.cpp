@@ -84,14 +84,6 @@ void ShowMonitorScreen() {
   if (run.monitor->leavesKeysToEditor && editing) ActivateScreen(*before);
 }
 
-// The main menu puts MonitorMode back when it is loaded, also beside a monitor that runs.
-void HoldMode() {
-  if (MonitorMode == run.monitor->mode) return;
-  MonitorMode = run.monitor->mode;
-  RefreshMainMenu();
-  RefreshActiveEditor();
-}
-
 // ---- one pass -----------------------------------------------------------------------------------
 
 enum class Step { Go, Stop, Failed };
@@ -201,7 +193,6 @@ bool TakesFrames() { return !run.monitor->takesFrames || run.monitor->takesFrame
 
 Step RunPass() {
   if (Stopped()) return Step::Stop;
-  HoldMode();
   if (SendCommands() == AfterCommands::BeginPassAgain) return LinkLost() ? Step::Failed : Step::Go;
   if (Stopped()) return Step::Stop;
   if (CommError != 0 || LinkLost()) return Step::Failed;
@@ -312,33 +303,38 @@ void Begin(const LiveMonitor& monitor) {
   run.monitor = &monitor;
   LoadScreen(*monitor.screen);
   run.life = monitor.screen->life;
-  MonitorMode = monitor.mode;
+  MonitorMode = SessionMode = monitor.mode;
   SetModeLine(monitor.modeLine);
   RefreshMainMenu();
   RefreshActiveEditor();
 }
 
-void DropUnsent() {
+// Result: whether an entry was among it, which nobody will store any more.
+bool DropUnsent() {
+  const bool entryLost = OnflyByteCount > 0;
   for (int* pending : {&PendZeroAdv, &PendClearZero, &PendAdv, &PendGama, &PendTog, &PendInj,
                        &PendTpsBlend, &PendGpo, &PendAfr, &PendEgo})
     *pending = 0;
   ResetPostedWrite();
+  return entryLost;
 }
 
 // The screen goes first, so that the user sees the answer while the unit is still told.
-void Finish() {
+// Result: whether an entry of the user was lost.
+bool Finish() {
   MonitorStop = 1;
-  MonitorMode = 0;
+  MonitorMode = SessionMode = 0;
   if (ScreenUp()) UnloadScreen(*run.monitor->screen);
   ReleaseLine();
   PortHeld = false;
   CommError = 0;
-  DropUnsent();
+  const bool entryLost = DropUnsent();
   run = {};
-  if (ProgramEnding()) return;
+  if (ProgramEnding()) return false;
   SetModeLine(EditModeLine);
   RefreshMainMenu();
   RefreshActiveEditor();
+  return entryLost;
 }
 
 SessionOver RunTrapped() {
@@ -364,8 +360,9 @@ void RunLive(const LiveMonitor& monitor) {
   }
   Begin(monitor);
   const SessionOver why = RunTrapped();
-  Finish();
+  const bool entryLost = Finish();
   if (monitor.over) monitor.over(why);
+  if (entryLost) ShowScreen(frmerr);
 }
 
 void StopLive() {

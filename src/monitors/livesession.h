@@ -54,7 +54,7 @@ struct LiveMonitor {
 // shows, offers a retry when the link fails. The loop runs at the queue, inside no other yield: a
 // call from a yield is put off until then. Whatever ends it, loop control is given back to the
 // unit, the port is released, and what nobody has sent (pending offsets, a posted write) is
-// dropped.
+// dropped; frmerr tells of an entry among it, unless the program ends.
 void RunLive(const LiveMonitor& monitor);
 
 // The user leaves: Esc, the button, the close box. Answered with the next pass.

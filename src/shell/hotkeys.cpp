@@ -2,6 +2,7 @@
 #include "shell/hotkeys.h"
 
 #include <array>
+#include <memory>
 
 #include "core/binfile.h"
 #include "core/globalstate.h"
@@ -94,6 +95,18 @@ void ProgramAndMonitor() {
   RunMonitorOfMenu();
 }
 
+// The request that waits in the queue; expired when there is none.
+std::weak_ptr<int> request;
+
+void AskForProgramming() {
+  auto made = std::make_shared<int>();
+  request = made;
+  RunFromQueue([made]() mutable {
+    made.reset();
+    ProgramAndMonitor();
+  });
+}
+
 }  // namespace
 
 bool HandleHotKey(KeyEvent& event, const HotKeyRules& rules) {
@@ -108,10 +121,11 @@ bool HandleHotKey(KeyEvent& event, const HotKeyRules& rules) {
 }
 
 void SaveAndProgram() {
+  if (!request.expired()) return;
   if (MonitorMode == 3) UnloadNamed("Monitor3");
   CloseActiveScreen();
   if (!SessionGoesOn()) {
-    RunFromQueue(ProgramAndMonitor);
+    AskForProgramming();
     return;
   }
   savedata();

@@ -15,5 +15,6 @@ bool HandleHotKey(KeyEvent& event, const HotKeyRules& rules = {});
 
 // Save and program in one go, then back to the monitor. The digital monitor and the active screen
 // are closed at once; the rest runs from the queue, outside of every live loop. Without a good save
-// nothing is programmed; while another session keeps the port it saves and refuses the rest.
+// nothing is programmed; while another session keeps the port it saves and refuses the rest. Does
+// nothing while a request of before waits for its session to be released.
 void SaveAndProgram();

@@ -7,6 +7,7 @@
 #include "core/globalstate.h"
 #include "core/settings.h"
 #include "core/version.h"
+#include "link/comm.h"
 #include "platform/dialogs.h"
 #include "shell/commands.h"
 #include "shell/guide.h"
@@ -61,7 +62,7 @@ void Build(Screen& screen) {
 
 void Load(Screen& screen) {
   SetScreenEnabled(screen, true);  // it may have been left while the guide was open
-  MonitorMode = 0;
+  MonitorMode = SessionMode;       // it may be loaded beside a monitor that runs
   ComPort = ReadSetting("Options", "Comport");
   DoStats();
   SetScreenTitle(screen, "Main Menu        " + VersionText());

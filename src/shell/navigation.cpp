@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "link/comm.h"
 #include "platform/loop.h"
 #include "shell/mainmenu.h"
 
@@ -72,7 +73,11 @@ void OpenLive(std::string_view name, std::function<void()> ended) {
   });
 }
 
-bool AnythingUp() { return TopWorkScreen() || OpenDialogScreen(); }
+// The message of a refused write leads nowhere when it is closed.
+bool AnythingUp() {
+  const Screen* dialog = OpenDialogScreen();
+  return TopWorkScreen() || (dialog && dialog != &frmerr);
+}
 
 void ReturnToMainMenu() {
   RunFromQueue([] {

@@ -1,75 +1,11 @@
 // Editing while the engine runs: an editor below the digital monitor, and the simulated unit that
 // takes each change; saving and programming from there, over and over.
 #include <algorithm>
-#include <optional>
 #include <set>
 
-#include "core/binfile.h"
-#include "core/globalstate.h"
-#include "core/settings.h"
-#include "editors/binjgraph.h"
-#include "link/comm.h"
 #include "link/onfly.h"
-#include "link/postedwrite.h"
-#include "link/programmer.h"
-#include "monitors/livetest.h"
-#include "platform/frame.h"
-#include "platform/loop.h"
+#include "monitors/onflytest.h"
 #include "shell/mainframe.h"
-#include "shell/menus.h"
-#include "shell/navigation.h"
-#include "support/headless/zemdevice.h"
-
-namespace {
-
-constexpr int offsetByte = 2;
-constexpr int turnOnByte = 323;
-
-class OnflyEditing : public LiveTest {
- protected:
-  void SetUp() override {
-    LiveTest::SetUp();
-    RegisterScreen("Program_ZEM", OpenProgram_ZEM);
-    StoreSetting("Options", "Screensetting", 1);
-    RefreshMenuMarks();
-    device.emplace();
-    OpenFactoryCalibration();
-  }
-  void TearDown() override {
-    if (timer_ != 0) StopTimer(timer_);
-    device.reset();
-    LiveTest::TearDown();
-  }
-  Screen& Editor() { return BinjGraph().screen; }
-  int InUnit(int index) { return device->zem.Memory()[static_cast<std::size_t>(index)]; }
-  // Looks every 20 ms what to do next.
-  void Every20Ms(std::function<void()> routine) { timer_ = StartTimer(20, std::move(routine)); }
-  static bool Idle() { return Monitor3.visible && Seen("Status") == "ONFLY IDLE"; }
-
-  std::optional<ZemDevice> device;
-
- private:
-  void OpenFactoryCalibration() {
-    std::array<float, 512> values{};
-    values[2] = 1;
-    values[4] = 6000;
-    values[9] = 4.92F;
-    values[217] = 8;
-    values[232] = 10;
-    values[233] = 1;
-    values[344] = 1.5F;
-    values[459] = 1;
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(values.data());
-    PutFile("/home/user/V8.bin", {bytes, bytes + 2048});
-    AnswerNextFile("/home/user/V8.bin");
-    OpenCalibration();
-    while (AnyBoxShown()) TakeBox();
-    ASSERT_EQ(CurrentBinPath, "/home/user/V8.bin");
-  }
-  int timer_ = 0;
-};
-
-}  // namespace
 
 // The injector offset is in the calibration at once, since it goes out as a run-time offset too;
 // every other field waits for the unit.
@@ -158,22 +94,22 @@ TEST_F(OnflyEditing, FieldsAreYellowOnlyDuringTheSession) {
 }
 
 TEST_F(OnflyEditing, OfTwoQuickEntriesTheLastIsSentAndTheOtherStaysUnchanged) {
-  GoTo("Binj_graph");
+  GoTo("frmVETable");
+  const int firstBefore = InUnit(118);
   int step = 0;
   Every20Ms([&] {
     if (!Idle() || OnflyByteCount > 0) return;
     if (step++ > 0) return StopLive();
-    ClickOn(Editor(), "Text11");
-    TypeText("1.2");
-    PressKey("Enter");
-    ClickOn(Editor(), "Text2");
-    TypeText("2.5");
-    PressKey("Enter");
+    EnterIn(FrmVETable().screen, "Table_VE(1)", "50");
+    EnterIn(FrmVETable().screen, "Table_VE(2)", "20");
+    EXPECT_EQ(CalValues[126], 0);
   });
   Run();
-  EXPECT_EQ(CalValues[344], 1.5F);
-  EXPECT_EQ(CalValues[2], 2.5F);
-  EXPECT_EQ(InUnit(offsetByte), 20);
+  EXPECT_EQ(step, 2);
+  EXPECT_EQ(CalValues[125], 0);
+  EXPECT_EQ(InUnit(118), firstBefore);
+  EXPECT_EQ(CalValues[126], 0.2F);
+  EXPECT_EQ(InUnit(119), 127 + 51);
 }
 
 TEST_F(OnflyEditing, CWhileATransferRunsChangesTheLoopAtOnceAndIsSentAtTheNextPass) {
@@ -268,23 +204,27 @@ TEST_F(OnflyEditing, CtrlZTwoHundredTimesInARowLeavesNoTrace) {
 
 TEST_F(OnflyEditing, CtrlZDuringAWaitThatHangsEndsItAtOnce) {
   for (const char* fault : {"silent", "silent@F", "silent@P2", "silent@S1", "silent@S9"}) {
+    SCOPED_TRACE(fault);
     device.emplace();
     CalValues[2] = 1;
     GoTo("Binj_graph");
     int step = 0;
-    std::int64_t pressed = 0;
+    std::int64_t pressed = 0, released = 0;
+    DeviceNamed("COM1")->closed = [&] {
+      if (released == 0) released = NowUs();
+    };
     const int timer = StartTimer(20, [&] {
       if (step == 0 && Idle()) {
         device->Fail(fault);
         PostWrite(2, 2.5, offsetByte, 1);
         step = 1;
         AfterMs(700, [&] {
+          EXPECT_EQ(released, 0);
           pressed = NowUs();
           step = 2;
           ActivateScreen(Editor());
           PressKey("Ctrl+Z");
           device->zem.ClearFaults();
-          AfterMs(2, [] { EXPECT_TRUE(MonitorStop == 1 || MonitorMode == 0); });
         });
       } else if (step == 2 && Idle()) {
         StopLive();
@@ -292,8 +232,13 @@ TEST_F(OnflyEditing, CtrlZDuringAWaitThatHangsEndsItAtOnce) {
     });
     Run();
     StopTimer(timer);
-    EXPECT_EQ(step, 2) << fault;
-    EXPECT_EQ(CalValues[2], fault == std::string("silent@F") ? 2.5F : 1.0F) << fault;
+    EXPECT_EQ(step, 2);
+    EXPECT_GT(released, pressed);
+    EXPECT_LT(released - pressed, 100'000);
+    const bool sent = fault == std::string("silent@F");
+    EXPECT_EQ(CalValues[2], sent ? 2.5F : 1.0F);
+    EXPECT_EQ(frmerr.visible, !sent);
+    UnloadScreen(frmerr);
     while (AnyBoxShown()) TakeBox();
     ExpectReleased();
   }

@@ -1,0 +1,80 @@
+// Editing while the engine runs: the fixture of an editor below the digital monitor, with the
+// simulated unit that takes each change.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+
+#include "core/binfile.h"
+#include "core/globalstate.h"
+#include "core/settings.h"
+#include "editors/binjgraph.h"
+#include "editors/vetable.h"
+#include "link/comm.h"
+#include "link/postedwrite.h"
+#include "link/programmer.h"
+#include "monitors/livetest.h"
+#include "platform/frame.h"
+#include "platform/loop.h"
+#include "shell/menus.h"
+#include "shell/navigation.h"
+#include "support/headless/zemdevice.h"
+
+inline constexpr int offsetByte = 2;
+inline constexpr int turnOnByte = 323;
+
+class OnflyEditing : public LiveTest {
+ protected:
+  void SetUp() override {
+    LiveTest::SetUp();
+    RegisterScreen("Program_ZEM", OpenProgram_ZEM);
+    StoreSetting("Options", "Screensetting", 1);
+    RefreshMenuMarks();
+    device.emplace();
+    OpenFactoryCalibration();
+  }
+  void TearDown() override {
+    if (timer_ != 0) StopTimer(timer_);
+    device.reset();
+    LiveTest::TearDown();
+  }
+  Screen& Editor() { return BinjGraph().screen; }
+  int InUnit(int index) { return device->zem.Memory()[static_cast<std::size_t>(index)]; }
+  // Clicks into a field, types over what stands there, and presses Enter.
+  static void EnterIn(Screen& screen, const std::string& control, std::string_view text) {
+    ClickOn(screen, control);
+    SelectText(At(screen, control), 0, 1000);
+    TypeText(text);
+    PressKey("Enter");
+  }
+  // Looks every 20 ms what to do next.
+  void Every20Ms(std::function<void()> routine) { timer_ = StartTimer(20, std::move(routine)); }
+  static bool Idle() { return Monitor3.visible && Seen("Status") == "ONFLY IDLE"; }
+
+  std::optional<ZemDevice> device;
+
+ private:
+  void OpenFactoryCalibration() {
+    std::array<float, 512> values{};
+    values[2] = 1;
+    values[4] = 6000;
+    values[9] = 4.92F;
+    values[217] = 8;
+    values[232] = 10;
+    values[233] = 1;
+    values[344] = 1.5F;
+    values[459] = 1;
+    for (std::size_t i = 0; i < 8; ++i) {
+      values[45 + i] = 500 + 700 * static_cast<float>(i);
+      values[53 + i] = 20 + 10 * static_cast<float>(i);
+    }
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(values.data());
+    PutFile("/home/user/V8.bin", {bytes, bytes + 2048});
+    AnswerNextFile("/home/user/V8.bin");
+    OpenCalibration();
+    while (AnyBoxShown()) TakeBox();
+    ASSERT_EQ(CurrentBinPath, "/home/user/V8.bin");
+  }
+  int timer_ = 0;
+};
