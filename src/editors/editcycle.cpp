@@ -61,13 +61,29 @@ bool PendingHere(const Editor& editor, const EditorList& row) {
 
 // ---- redraw -------------------------------------------------------------------------------------
 
-void RedrawField(Editor& editor, const EditorField& row) {
+std::string& WrittenText(Editor& editor, const EditorField& row) {
+  return editor.writtenTexts[static_cast<std::size_t>(&row - editor.fields.data())];
+}
+
+// A minus or a point that begins a new value leaves nothing pending, and is the user's all the
+// same.
+bool IsBeingEdited(Editor& editor, const EditorField& row) {
+  const Control& control = ControlOf(editor, row);
+  return FocusedControl(editor.screen) == &control && control.text != WrittenText(editor, row);
+}
+
+// Who asks for a redraw: the user, by what he does on the screen, or the live loop.
+enum class Asked { ByUser, ByLoop };
+
+void RedrawField(Editor& editor, const EditorField& row, Asked asked) {
   Control& control = ControlOf(editor, row);
   SetBackColour(control, RestColour(editor, row));
   if (PendingHere(editor, row)) return;
-  std::string text = TextOfField(row);
-  if (control.text == text) return;
-  SetText(control, std::move(text));
+  if (asked == Asked::ByLoop && IsBeingEdited(editor, row)) return;
+  const std::string text = TextOfField(row);
+  const bool isThere = control.text == text;
+  WriteField(editor, row, text);
+  if (isThere) return;
   if (FocusedControl(editor.screen) == &control)
     SelectText(control, 0, static_cast<int>(control.text.size()));
 }
@@ -148,6 +164,11 @@ std::optional<std::string> Objection(Editor& editor, const EditorField& row, dou
   return row.check ? row.check(editor, row, entry) : std::nullopt;
 }
 
+// Of a value that the live loop leaves to its screen, also when that is closed meanwhile.
+void StoreAccepted(int calIndex, double value) {
+  CalValues[static_cast<std::size_t>(calIndex)] = static_cast<float>(value);
+}
+
 // The image takes the bytes at once; CalValues follow when the control unit has accepted them.
 void Post(const EditorField& row, double stored) {
   std::array<int, 2> bytes{};
@@ -162,11 +183,6 @@ void Post(const EditorField& row, double stored) {
   for (std::size_t i = 0; i < static_cast<std::size_t>(row.byteCount); ++i)
     BinImage[static_cast<std::size_t>(row.imageByte) + i] = static_cast<std::int16_t>(bytes[i]);
   PostWrite(row.calIndex, stored, row.imageByte, row.byteCount, StoreAccepted);
-}
-
-// Of a value that the live loop leaves to its screen, also when that is closed meanwhile.
-void StoreAccepted(int calIndex, double value) {
-  CalValues[static_cast<std::size_t>(calIndex)] = static_cast<float>(value);
 }
 
 void Accept(Editor& editor, const EditorField& row, double entry) {
@@ -308,10 +324,12 @@ void FocusField(Editor& editor, int number) {
 
 // ---- redraw -------------------------------------------------------------------------------------
 
-void Redraw(Editor& editor) {
+namespace {
+
+void RedrawAll(Editor& editor, Asked asked) {
   if (!StillUp(editor)) return;
   if (editor.compute) editor.compute(editor);
-  for (const EditorField& row : editor.fields) RedrawField(editor, row);
+  for (const EditorField& row : editor.fields) RedrawField(editor, row, asked);
   for (const EditorValue& row : editor.shown)
     if (row.show) SetCaption(At(editor.screen, row.control), row.show());
   for (const EditorList& row : editor.lists) RedrawList(editor, row);
@@ -319,6 +337,15 @@ void Redraw(Editor& editor) {
   for (const EditorButton& row : editor.buttons) RedrawButton(editor, row);
   RewriteCaptions(editor);
   if (editor.draw) editor.draw(editor);
+}
+
+}  // namespace
+
+void Redraw(Editor& editor) { RedrawAll(editor, Asked::ByUser); }
+
+void WriteField(Editor& editor, const EditorField& row, const std::string& text) {
+  WrittenText(editor, row) = text;
+  SetText(ControlOf(editor, row), text);
 }
 
 // ---- entry --------------------------------------------------------------------------------------
@@ -394,7 +421,7 @@ void EditorLoaded(Editor& editor) {
   HelpScreen = editor.name;
   loadedEditors.push_back(&editor);
   RefreshActiveEditor = [] {
-    if (Editor* top = TopEditor()) Redraw(*top);
+    if (Editor* top = TopEditor()) RedrawAll(*top, Asked::ByLoop);
   };
   HeldByPendingEntry = HoldForPendingEntry;
   Redraw(editor);

@@ -72,8 +72,9 @@ struct Editor {
   std::unordered_map<const Control*, Place> places;
   std::vector<Control*> fieldControls;  // by row
   std::vector<Control*> listControls;
-  std::vector<int> shownIndex;  // of each list, as last shown
-  bool listIsActive = false;    // ActiveField is a list's number; a field may have the same one
+  std::vector<std::string> writtenTexts;  // by row, as last written by the program
+  std::vector<int> shownIndex;            // of each list, as last shown
+  bool listIsActive = false;  // ActiveField is a list's number; a field may have the same one
 };
 
 // Fills the screen's record from the rows and connects its events. Once for each editor.
@@ -84,8 +85,11 @@ void RegisterEditor(Editor& editor);
 // The focus goes (back) to the field of ActiveField, its caption highlighted, its text selected.
 void reinit(Editor& editor);
 // Writes every field from CalValues, sets the colours, redraws graph, lists and pairs. A field with
-// an entry pending keeps its text.
+// an entry pending keeps its text. The redraw of RefreshActiveEditor leaves the field too that has
+// the focus and whose text the user has edited.
 void Redraw(Editor& editor);
+// Writes a text of the program into a field; what differs from it later was typed by the user.
+void WriteField(Editor& editor, const EditorField& row, const std::string& text);
 // Takes the highlight off all captions.
 void clrfocus(Editor& editor);
 // Back of the screen: reinit when an entry is pending, else the screen is left.

@@ -212,6 +212,7 @@ void IndexControls(Editor& editor) {
   editor.places.clear();
   editor.fieldControls.clear();
   editor.listControls.clear();
+  editor.writtenTexts.assign(editor.fields.size(), {});
   editor.shownIndex.assign(editor.lists.size(), -1);
   for (std::size_t i = 0; i < editor.fields.size(); ++i) {
     Control& control = At(editor.screen, editor.fields[i].control);

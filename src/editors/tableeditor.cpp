@@ -54,7 +54,7 @@ void RestoreText(Editor& editor, const EditorField& row) {
   TableEditor& table = TableOf(editor);
   if (!IsPosition(table, row)) return;
   RefreshWork(table);
-  SetText(ControlOf(editor, row), TextOfField(row));
+  WriteField(editor, row, TextOfField(row));
 }
 
 Colour ColourAt(TableEditor& table, const EditorField& row) {

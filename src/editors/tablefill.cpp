@@ -65,8 +65,12 @@ std::optional<float> Ask(TableEditor& table, FillKind kind) {
   return std::nullopt;
 }
 
+void WriteText(TableEditor& table, int position, const std::string& text) {
+  WriteField(table.editor, table.editor.fields[static_cast<std::size_t>(position - 1)], text);
+}
+
 void WriteTexts(TableEditor& table, const std::vector<int>& positions, const std::string& text) {
-  for (int position : positions) SetText(ControlAt(table, position), text);
+  for (int position : positions) WriteText(table, position, text);
 }
 
 // All cells read as stored, whatever the table's view adds to what it shows.
@@ -74,7 +78,7 @@ void WriteStoredTexts(TableEditor& table) {
   const TableRules& rules = table.rules;
   for (int position : PositionsOfTable(rules.grid)) {
     const auto index = static_cast<std::size_t>(rules.calBase + CellAt(rules.grid, position));
-    SetText(ControlAt(table, position), NumberText(CalValues[index] * rules.fillScale));
+    WriteText(table, position, NumberText(CalValues[index] * rules.fillScale));
   }
 }
 
