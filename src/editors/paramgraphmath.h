@@ -55,11 +55,9 @@ struct FrameShape {
   double width = 4800;
   double height = 2250;
   double leftMargin = 450;
-  double bottom = 3450;  // of the frame, from the top of the area
 };
 inline constexpr FrameShape ParameterFrame{};
-inline constexpr FrameShape CoolantFrame{
-    .width = 4800, .height = 2100, .leftMargin = 600, .bottom = 2550};
+inline constexpr FrameShape CoolantFrame{.width = 4800, .height = 2100, .leftMargin = 600};
 
 // Pixels that stand around the frame whatever its size: texts.
 struct FrameRoom {
@@ -96,7 +94,8 @@ std::optional<Segment> ClipToFrame(Segment segment, const GraphFrame& frame);
 std::vector<Segment> HatchLines(const GraphFrame& band, double apart);
 
 // Which labels of a row can be written without touching: every nth, and the last one in place of
-// those that it would touch. The first is always among them. Middle and extent of each along the axis, in pixels.
+// those that it would touch. The first is always among them. Middle and extent of each along the
+// axis, in pixels.
 struct LabelSpan {
   double middle = 0;
   double extent = 0;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "core/encoder.h"
 #include "core/globalstate.h"
@@ -51,6 +52,7 @@ class ParameterGraphTest : public ::testing::Test {
     for (std::size_t i = 0; i < 10; ++i) CalValues[415 + i] = static_cast<float>(i) / 10;
     for (std::size_t i = 0; i < 10; ++i) CalValues[425 + i] = static_cast<float>(19 - i);
     PublishCalGlobals();
+    MaxManifoldKpa = MapHigh;
     screen_.name = "GraphScreen";
     screen_.build = [](Screen& screen) {
       Add(screen, {.name = "Graph", .kind = ControlKind::Canvas});
@@ -75,10 +77,44 @@ class ParameterGraphTest : public ::testing::Test {
     std::erase_if(texts, [](const Primitive& p) { return p.kind != PrimitiveKind::Text; });
     return texts;
   }
+  std::vector<Primitive> Lines(int kind, const std::function<bool(const Stroke&)>& wanted) {
+    std::vector<Primitive> lines = Drawn(kind);
+    std::erase_if(lines, [&](const Primitive& p) {
+      return p.kind != PrimitiveKind::Line || !wanted(p.stroke);
+    });
+    return lines;
+  }
+  // The frame of the graph that was drawn last.
+  Box Frame() {
+    for (const Primitive& shape : At(screen_, "Graph").drawing.primitives)
+      if (shape.kind == PrimitiveKind::Polyline)
+        return {shape.points[0].x, shape.points[0].y, shape.points[2].x, shape.points[2].y};
+    return {};
+  }
+  // Where a value of the pulse width graph stands: 10 to 104 kPa across, 0 to 12 ms up.
+  double AtKpa(double kpa) {
+    const Box frame = Frame();
+    return std::round(frame.left + (kpa - 10) / 94 * (frame.right - frame.left));
+  }
+  double AtMs(double ms) {
+    const Box frame = Frame();
+    return std::round(frame.bottom - ms / 12 * (frame.bottom - frame.top));
+  }
+  std::vector<Point> Level(double y) { return {{Frame().left, y}, {Frame().right, y}}; }
+  std::vector<Point> Upright(double x) { return {{x, Frame().top}, {x, Frame().bottom}}; }
 
  private:
   Screen screen_;
 };
+
+bool IsGrid(const Stroke& stroke) { return stroke.dashed; }
+bool IsLimit(const Stroke& stroke) { return stroke.colour == Red; }
+// The curve is the one thick line that is not level or upright.
+bool IsCurve(const Stroke& stroke) { return stroke.antialias && stroke.width == 2; }
+bool IsHatching(const Stroke& stroke) { return stroke.antialias && stroke.width == 1; }
+bool IsPlainMark(const Stroke& stroke) {
+  return !stroke.antialias && stroke.width == 2 && stroke.colour != Red;
+}
 
 }  // namespace
 
@@ -151,6 +187,97 @@ TEST_F(ParameterGraphTest, CurveStaysInsideItsFrame) {
     }
   }
   EXPECT_GE(curves, 6);
+}
+
+// ---- the picture of the pulse width -------------------------------------------------------------
+
+TEST_F(ParameterGraphTest, GridLinesStandAtTheValuesOfBothAxes) {
+  std::vector<std::vector<Point>> drawn;
+  for (const Primitive& line : Lines(CurvePulse, IsGrid)) drawn.push_back(line.points);
+  std::vector<std::vector<Point>> expected;
+  for (double kpa : {20, 40, 60, 80, 100}) expected.push_back(Upright(AtKpa(kpa)));
+  for (double ms : {2, 4, 6, 8, 10}) expected.push_back(Level(AtMs(ms)));
+  EXPECT_EQ(drawn, expected);  // the ends are the frame's own lines
+}
+
+TEST_F(ParameterGraphTest, GridsOfTheTablesHaveTheirDivisions) {
+  for (const auto& [kind, divisions] :
+       {std::pair<int, std::size_t>{CurveBlend, 6}, {CurveWarmup, 7}, {CurveCoolant, 7}}) {
+    std::vector<double> heights;
+    for (const Primitive& line : Lines(kind, IsGrid))
+      if (line.points[0].y == line.points[1].y) heights.push_back(line.points[0].y);
+    // Between the two ends there is a line less than lines of the grid, and one less again.
+    EXPECT_EQ(heights.size(), divisions - 2) << kind;
+    const Box frame = Frame();
+    for (std::size_t i = 0; i < heights.size(); ++i)
+      EXPECT_NEAR(heights[i],
+                  frame.bottom - (frame.bottom - frame.top) * static_cast<double>(i + 1) /
+                                     static_cast<double>(divisions - 1),
+                  0.51)
+          << kind;
+  }
+}
+
+TEST_F(ParameterGraphTest, ThePulseIsAStraightLineFromOffsetToOffsetAndTog) {
+  const std::vector<Primitive> curve = Lines(CurvePulse, IsCurve);
+  ASSERT_EQ(curve.size(), 1U);
+  EXPECT_EQ(curve[0].points,
+            (std::vector<Point>{{Frame().left, AtMs(1)}, {Frame().right, AtMs(11)}}));
+}
+
+TEST_F(ParameterGraphTest, ALineMarksTheMaxManifoldPressureBelowTheSensorsEnd) {
+  MaxManifoldKpa = 73;
+  std::vector<std::vector<Point>> marks;
+  for (const Primitive& line : Lines(CurvePulse, IsPlainMark)) marks.push_back(line.points);
+  ASSERT_EQ(marks.size(), 2U) << "the other one is the edge of the fail zone";
+  EXPECT_NE(std::find(marks.begin(), marks.end(), Upright(AtKpa(73))), marks.end());
+
+  MaxManifoldKpa = 104;
+  for (const Primitive& line : Lines(CurvePulse, IsPlainMark))
+    EXPECT_EQ(line.points[0].y, line.points[1].y);
+}
+
+TEST_F(ParameterGraphTest, ARedLineStandsAtTheRevLimitsPulse) {
+  std::vector<Primitive> red = Lines(CurvePulse, IsLimit);
+  ASSERT_EQ(red.size(), 1U);
+  EXPECT_EQ(red[0].points, Level(AtMs(8.8)));  // 60000 / 6000 - 1.2
+
+  CalValues[4] = 1000;  // 58.8 ms are beyond the axis
+  PublishCalGlobals();
+  EXPECT_TRUE(Lines(CurvePulse, IsLimit).empty());
+}
+
+TEST_F(ParameterGraphTest, TheBandBelowTheLeastTurnOnTimeIsHatched) {
+  const std::vector<Primitive> hatching = Lines(CurvePulse, IsHatching);
+  const Box frame = Frame();
+  const double edge = AtMs(1.5);
+  ASSERT_GE(hatching.size(), 20U);
+  double left = frame.right, right = frame.left, top = frame.bottom, bottom = frame.top;
+  for (const Primitive& line : hatching)
+    for (const Point& point : line.points) {
+      left = std::min(left, point.x);
+      right = std::max(right, point.x);
+      top = std::min(top, point.y);
+      bottom = std::max(bottom, point.y);
+    }
+  EXPECT_NEAR(left, frame.left, 8);
+  EXPECT_NEAR(right, frame.right, 8);
+  EXPECT_NEAR(top, edge, 0.01);
+  EXPECT_NEAR(bottom, frame.bottom, 0.01);
+  const std::vector<Primitive> edges = Lines(CurvePulse, IsPlainMark);
+  ASSERT_EQ(edges.size(), 1U);
+  EXPECT_EQ(edges[0].points, Level(edge));
+}
+
+TEST_F(ParameterGraphTest, WithoutABandThereIsNeitherHatchingNorText) {
+  CalValues[344] = 0;  // where the axis begins
+  PublishCalGlobals();
+  EXPECT_TRUE(Lines(CurvePulse, IsHatching).empty());
+  EXPECT_TRUE(Lines(CurvePulse, IsPlainMark).empty());
+  for (const Primitive& text : Texts(CurvePulse)) {
+    EXPECT_NE(text.text, " INJECTOR  FAIL  ZONE");
+    EXPECT_NE(text.text, "Minimum Injector Turn-on Time");
+  }
 }
 
 TEST_F(ParameterGraphTest, DrawsNothingBeforeTheCanvasHasASize) {

@@ -6,6 +6,7 @@
 
 #include "core/binfile.h"
 #include "core/globalstate.h"
+#include "editors/airfueltable.h"
 #include "editors/binjgraph.h"
 #include "editors/editors.h"
 #include "link/comm.h"
@@ -189,6 +190,19 @@ TEST_F(EditorHotKeys, CtrlSWritesWhatWasEntered) {
   EXPECT_EQ(Top(), "Binj_graph");
   EXPECT_EQ(BinImage[218], 6);  // 12.5 * 125 / 256 is 6.1
   EXPECT_TRUE(FileExists(TestFolder() + "/V8.S19"));
+}
+
+TEST_F(EditorHotKeys, CtrlSShowsWhatTheSaveHasPutRight) {
+  PressKey("Esc");
+  RunPending();
+  CalValues[345] = 40;  // no ratio of a mixture that burns
+  OpenScreen("EGO_AF_TBL");
+  RunPending();
+  EXPECT_EQ(ShownText(EgoAfTbl().screen, "Table_EGO(1)"), "40");
+  PressKey("Ctrl+S");
+  RunPending();
+  EXPECT_EQ(CalValues[345], 14.64F);
+  EXPECT_EQ(ShownText(EgoAfTbl().screen, "Table_EGO(1)"), "14.64");
 }
 
 TEST_F(EditorHotKeys, CtrlAloneDoesNothing) {
