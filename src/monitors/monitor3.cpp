@@ -177,9 +177,10 @@ void Prepare() {
   ShowStatus("ONFLY OFF", SystemButtonFace);
 }
 
-// Whoever unloaded it, or cancelled, goes on where the screens stand.
+// Whoever unloaded it, or cancelled, goes on where the screens stand; so does who has typed a value
+// and not entered it.
 void SessionIsOver(SessionOver why) {
-  if (why == SessionOver::Left) ShowCalibrationScreen();
+  if (why == SessionOver::Left && !HeldByPendingEntry()) ShowCalibrationScreen();
   if (why != SessionOver::ProgramEnds) ReturnToMainMenu();
 }
 

@@ -2,8 +2,11 @@
 // save, a refusal, the end of the session, a unit that is silent.
 #include <cstring>
 
+#include "editors/editcycle.h"
 #include "editors/gpotable.h"
 #include "monitors/onflytest.h"
+#include "platform/failure.h"
+#include "platform/files.h"
 #include "shell/mainmenu.h"
 
 namespace {
@@ -150,6 +153,29 @@ TEST_F(OnflyEditing, AnEntryThatIsNotSentAnyMoreIsToldOf) {
     EXPECT_EQ(InUnit(turnOnByte), before);
     ExpectReleased();
   }
+}
+
+TEST_F(OnflyEditing, AValueThatIsTypedAndNotEnteredKeepsItsEditorWhenTheMonitorIsLeft) {
+  GoTo("frmVETable");
+  Screen& table = FrmVETable().screen;
+  int step = 0;
+  Every20Ms([&] {
+    if (!Idle() || step++ > 0) return;
+    ClickOn(table, "Table_VE(3)");
+    SelectText(At(table, "Table_VE(3)"), 0, 100);
+    TypeText("12");
+    StopLive();
+  });
+  Run();
+  EXPECT_EQ(Top(), "frmVETable");
+  EXPECT_EQ(EntryPending, 1);
+  EXPECT_EQ(ShownFocus(), "Table_VE(3)");
+  EXPECT_EQ(At(table, "Table_VE(3)").selLength,
+            static_cast<int>(At(table, "Table_VE(3)").text.size()));
+  TypeText("7");
+  PressKey("Enter");
+  EXPECT_EQ(CalValues[127], 0.07F) << "the session is over: it goes to the calibration";
+  ExpectReleased();
 }
 
 TEST_F(OnflyEditing, AnEntryBeforeCtrlZIsToldOfWhileTheUnitIsProgrammed) {
