@@ -24,7 +24,7 @@ void RunMonitorKey(std::span<const MonitorKey> keys, KeyEvent& event) {
   for (const MonitorKey& row : keys) {
     if (row.key != event.key) continue;
     event.handled = true;
-    row.run();
+    if (!event.repeat) row.run();
     return;
   }
 }

@@ -10,7 +10,8 @@ struct MonitorKey {
   int key;
   void (*run)();
 };
-// Runs what the key does and marks it as handled, unless Ctrl or Alt is held.
+// Runs what the key does and marks it as handled, unless Ctrl or Alt is held. A key that is held
+// down acts once.
 void RunMonitorKey(std::span<const MonitorKey> keys, KeyEvent& event);
 
 // Changes a flag that figures are shown by, and shows them anew.

@@ -300,6 +300,22 @@ TEST_F(Monitor3Test, KKillsTheEngineAndForgetsTheKillBeforeProgramming) {
   });
 }
 
+TEST_F(Monitor3Test, KeyThatIsHeldDownActsOnce) {
+  RunUntilShown([this] {
+    unit.TakeHeard();
+    PressKey("C");
+    PressKey("T");
+    PressKey("F");
+    PressKey("K");
+    for (const char* key : {"C", "T", "F", "K", "Esc"}) RepeatKey(key);
+    EXPECT_FALSE(ClosedLoop);
+    EXPECT_TRUE(ImperialUnits);
+    EXPECT_FALSE(FuelInLitres);
+    EXPECT_EQ(unit.TakeHeard(), "K");
+    EXPECT_EQ(MonitorStop, 0);
+  });
+}
+
 TEST_F(Monitor3Test, KDuringACommandGoesOutBehindIt) {
   unit.mute = [](std::string_view command) { return command == "R311"; };
   AfterFrames(4, [this] {
