@@ -150,6 +150,7 @@ const LiveFieldRow& RowOf(LiveField field) { return rows[static_cast<std::size_t
 
 void DecodeFrame(const LiveFrame& frame, FrameReader reader) {
   const double failedBefore = Live[LiveField::Failed];
+  Live.decoded = true;
   Live.frame = frame;
   for (const LiveFieldRow& row : rows) Field(Live, row.field) = row.decode(frame);
   if (reader == FrameReader::Monitor)

@@ -85,6 +85,7 @@ enum SensorBit : int {
 // What the last frame said, and what was computed from it. Values that a frame cannot give anew
 // keep what they had.
 struct LiveState {
+  bool decoded = false;                         // a frame stands here
   LiveFrame frame{};                            // as received; all zero before the first
   std::array<double, LiveFieldCount> fields{};  // by LiveField; temperatures as to be shown, deg C
   double eventMs = 0;  // T: time between injections of one injector, ms; 0 at or below 300 rev/min

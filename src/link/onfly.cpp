@@ -185,7 +185,8 @@ void SendLoopControl() {
   MSComm1.RThreshold = 1;
   MSComm1.InputLen = 0;
   if (PollingWait(WaitForOffset, LeavingRule()) != WaitEnd::Reply) return;
-  if (release && RxByte(0) == 'A') LoopForcedOpen = false;
+  // With a threshold of 1 the second byte may have replaced the first by now.
+  if (release && !MSComm1.heard.empty() && MSComm1.heard.front() == 'A') LoopForcedOpen = false;
   TakeSecondByte();
 }
 

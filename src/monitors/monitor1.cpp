@@ -137,7 +137,7 @@ void ShowSensors() {
 
 void ShowAge() {
   ColourFigures(labels, LiveFiguresOld() ? colours.muted : colours.figure);
-  if (LiveFramesTaken() > 0) ShowInstruments();
+  if (Live.decoded) ShowInstruments();
 }
 
 void ShowAll() {
@@ -274,7 +274,7 @@ void Unload(Screen&) {
 
 void Resized(Screen&, Control&) {
   ShowFaces();
-  if (LiveFramesTaken() > 0) ShowInstruments();
+  if (Live.decoded) ShowInstruments();
 }
 
 }  // namespace

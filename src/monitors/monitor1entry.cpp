@@ -7,7 +7,6 @@
 #include "core/numbers.h"
 #include "link/liveframe.h"
 #include "link/onfly.h"
-#include "monitors/livesession.h"
 #include "monitors/monitorkeys.h"
 #include "platform/dialogs.h"
 
@@ -283,7 +282,7 @@ void ShowOffsets(Screen& screen) {
 
 // Before the first frame nobody knows where the arrows of the AFR field begin.
 void OffsetGotFocus(Screen& screen, Control& control) {
-  const bool tooSoon = control.name == afrField && LiveFramesTaken() == 0;
+  const bool tooSoon = control.name == afrField && !Live.decoded;
   FieldEditing = IsOffsetField(control) && !tooSoon;
   ShowStatus(screen);
   savedText = control.text;

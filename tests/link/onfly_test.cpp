@@ -483,8 +483,9 @@ TEST_F(PendingTest, CommandsGoOutInTheOrderOfTheLoop) {
 }
 
 TEST_F(PendingTest, ClearedAfrOffsetIsNoneWhateverTheBaseIsByNow) {
-  Live.frame[19] = 137;
-  DecodeFrame(FrameReader::Monitor);
+  LiveFrame frame{};
+  frame[19] = 137;
+  DecodeFrame(frame, FrameReader::Monitor);
   for (int* flag : all) *flag = 0;
   OnAfr = 117;
   PendAfr = 1;

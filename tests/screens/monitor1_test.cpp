@@ -43,10 +43,11 @@ class Monitor1Screen : public PlatformTest {
     ResetLiveState();
     ResetOnflyState();
   }
-  // As a session shows it before its first frame.
+  // As a session shows it with its first frame.
   void Show() {
     ShowScreen(Monitor1);
     BeginOffsets(Monitor1);
+    DecodeFrame(LiveFrame{}, FrameReader::Monitor);
     RunPending();
   }
   static std::string Shown(std::string_view control) { return ShownText(Monitor1, control); }

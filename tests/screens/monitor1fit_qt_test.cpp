@@ -54,6 +54,7 @@ class Monitor1Fit : public PlatformTest {
     Resize(display);
     ShowScreen(Monitor1);
     BeginOffsets(Monitor1);
+    DecodeFrame(LiveFrame{}, FrameReader::Monitor);
     RunPending();
   }
   static void Resize(const DisplaySize& display) {
