@@ -70,7 +70,10 @@ void FixOpenedCalibration() {
     CalValues[index] = static_cast<float>(speed);
 }
 
+long CalibrationLoads = 0;
+
 void PublishLoadedCalibration() {
+  ++CalibrationLoads;
   PublishCalGlobals();
   ComputeInjectorLimits();
   CopyTablesToWork();

@@ -11,3 +11,6 @@ void FixOpenedCalibration();
 
 // Refreshes all working values from CalValues; the highest manifold pressure is the sensor's again.
 void PublishLoadedCalibration();
+
+// Counts the calibrations that were loaded, so that what belongs to one before can be told.
+extern long CalibrationLoads;

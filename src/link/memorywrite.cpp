@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "core/calfix.h"
 #include "core/globalstate.h"
 #include "core/numbers.h"
 #include "core/s19file.h"
@@ -51,11 +52,12 @@ bool MoreThan(LateAnswers& late) {
 // Sends again and again until an answer comes. Result: how often; 0 when the loop must end.
 int SendUntilAnswered(const std::function<void()>& send, const WaitRule& rule,
                       LateAnswers late = {}) {
+  const long loadsAtBegin = CalibrationLoads;
   for (int times = 1;; ++times) {
     send();
     while (PollingWait(rule, LoopMustEnd) == WaitEnd::Reply)
       if (MoreThan(late)) return times;
-    if (LoopMustEnd()) return 0;
+    if (LoopMustEnd() || CalibrationLoads != loadsAtBegin) return 0;
   }
 }
 
@@ -131,6 +133,7 @@ struct PostedWrite {
   int imageIndex;
   float count;
   StoreRoutine store;
+  long loads;
   std::array<std::int16_t, 2> bytes;
 };
 
@@ -139,7 +142,8 @@ bool InImage(int index) { return index >= 0 && index < static_cast<int>(BinImage
 // Taken off before it is sent: what an editor posts meanwhile is the next write, and its value must
 // not be stored for this one.
 PostedWrite TakePosted() {
-  PostedWrite posted{OnflyCalIndex, OnflyValue, OnflyImageIndex, OnflyByteCount, OnflyStore, {}};
+  PostedWrite posted{OnflyCalIndex, OnflyValue, OnflyImageIndex, OnflyByteCount, OnflyStore,
+                     OnflyLoads,    {}};
   for (int i = 0; i < 2; ++i)
     if (InImage(posted.imageIndex + i))
       posted.bytes[static_cast<std::size_t>(i)] =
@@ -171,6 +175,19 @@ void StoreAccepted(const PostedWrite& posted) {
   CalChanged = true;
 }
 
+void AwaitFrames() {
+  MSComm1.RThreshold = 27;
+  MSComm1.InputLen = 0;
+}
+
+// Another calibration has been opened since it was posted: its value is not for that one.
+Transfer Disown() {
+  ShowScreen(frmerr);
+  RefreshActiveEditor();
+  AwaitFrames();
+  return Transfer::Refused;
+}
+
 }  // namespace
 
 std::string OnflyRecord(int index, int count) {
@@ -193,14 +210,15 @@ void ONFLY(int index, float count, float& result) {
 Transfer TransferPostedWrite() {
   if (!(OnflyByteCount > 0)) return Transfer::Nothing;
   const PostedWrite posted = TakePosted();
+  if (posted.loads != CalibrationLoads) return Disown();
   const Write write = WriteAndTell(posted.imageIndex, posted.count);
+  if (posted.loads != CalibrationLoads) return Disown();
   if (write == Write::Left && !(OnflyByteCount > 0)) PostAgain(posted);
   if (write == Write::Accepted) {
     StoreAccepted(posted);
     RefreshActiveEditor();
   }
-  MSComm1.RThreshold = 27;
-  MSComm1.InputLen = 0;
+  AwaitFrames();
   if (write == Write::Left) return Transfer::Unsent;
   if (write != Write::Accepted) return Transfer::Refused;
   return BelongsToItsScreen(posted.imageIndex) ? Transfer::Written : Transfer::Stored;

@@ -2,12 +2,14 @@
 #include "link/postedwrite.h"
 
 #include "core/binfile.h"
+#include "core/calfix.h"
 
 std::int32_t OnflyCalIndex = 0;
 double OnflyValue = 0;
 std::int32_t OnflyImageIndex = 0;
 float OnflyByteCount = 0;
 StoreRoutine OnflyStore = nullptr;
+long OnflyLoads = 0;
 void (*RefreshActiveEditor)() = [] {};
 
 namespace {
@@ -22,6 +24,7 @@ void PostWrite(int calIndex, double value, int imageIndex, int byteCount, StoreR
   OnflyImageIndex = imageIndex;
   OnflyByteCount = static_cast<float>(byteCount);
   OnflyStore = store;
+  OnflyLoads = CalibrationLoads;
   BytesWaiting = PostedBytes;
 }
 

@@ -3,6 +3,8 @@
 
 #include <optional>
 
+#include "core/calfix.h"
+#include "core/globalstate.h"
 #include "platform/headless/script.h"
 #include "support/headless/linktest.h"
 #include "support/headless/zemdevice.h"
@@ -98,4 +100,44 @@ TEST_F(PostedWriteTest, ALaterEntryIsNotReplacedByTheOneCutOff) {
   });
   EXPECT_EQ(TransferPostedWrite(), Transfer::Unsent);
   EXPECT_EQ(OnflyCalIndex, 3);
+}
+
+TEST_F(PostedWriteTest, AnotherCalibrationIsOpenedBeforeItIsSent) {
+  BinImage[2] = 77;
+  PostWrite(2, 1.25, 2, 1, Store);
+  PublishLoadedCalibration();
+  CalValues[2] = 3;
+  CalChanged = false;
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Refused);
+  EXPECT_TRUE(device->TakeHistory().empty()) << "nothing is sent";
+  EXPECT_EQ(CalValues[2], 3);
+  EXPECT_FALSE(CalChanged);
+  EXPECT_TRUE(frmerr.visible);
+  EXPECT_EQ(OnflyByteCount, 0);
+  EXPECT_EQ(MSComm1.RThreshold, 27);
+}
+
+TEST_F(PostedWriteTest, AnotherCalibrationIsOpenedWhileASilentUnitIsAsked) {
+  device->Fail("silent@P2");
+  BinImage[2] = 77;
+  PostWrite(2, 1.25, 2, 1, Store);
+  CalValues[2] = 3;
+  CalChanged = false;
+  AfterMs(500, [] { PublishLoadedCalibration(); });
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Refused);
+  EXPECT_EQ(CalValues[2], 3);
+  EXPECT_FALSE(CalChanged);
+  EXPECT_EQ(OnflyByteCount, 0) << "nor is it sent later";
+  EXPECT_TRUE(frmerr.visible);
+}
+
+TEST_F(PostedWriteTest, AnotherCalibrationIsOpenedWhileTheUnitTakesIt) {
+  BinImage[2] = 77;
+  PostWrite(2, 1.25, 2, 1, Store);
+  CalValues[2] = 3;
+  CalChanged = false;
+  AfterMs(25, [] { PublishLoadedCalibration(); });
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Refused);
+  EXPECT_EQ(CalValues[2], 3) << "the value belongs to the calibration before";
+  EXPECT_FALSE(CalChanged);
 }
