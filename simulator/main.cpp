@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "simulator/control.h"
+#include "simulator/hostclock.h"
 #include "simulator/options.h"
 #include "simulator/terminal/link.h"
 #include "simulator/terminal/pty.h"
@@ -40,10 +41,10 @@ struct Simulator {
   std::optional<sim::LineFollower> control;
   sim::TrafficLog log;
   sigset_t whileWaiting{};  // signals are taken during the wait alone
-  std::int64_t startUs = MonotonicUs();
+  sim::HostClock clock{MonotonicUs()};
   int savedVersion = 0;
 
-  std::int64_t NowUs() const { return MonotonicUs() - startUs; }
+  std::int64_t NowUs() { return clock.Read(MonotonicUs()); }
   void Say(const std::string& line) const {
     if (!options.quiet) std::cout << line << std::endl;
   }
@@ -164,6 +165,7 @@ void Wait(Simulator& s) {
   std::array<pollfd, 2> descriptors = {
       {{.fd = s.pty ? s.pty->Descriptor() : -1, .events = POLLIN, .revents = 0},
        {.fd = s.pty ? s.pty->WatchDescriptor() : -1, .events = POLLIN, .revents = 0}}};
+  s.clock.Sleeps(sleepUs);
   ppoll(descriptors.data(), descriptors.size(), &timeout, &s.whileWaiting);
 }
 

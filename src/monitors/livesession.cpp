@@ -77,13 +77,14 @@ void ShowHeldFrame() {
   if (run.shownUs == 0 || MonotonicMicroseconds() - run.shownUs >= showEveryUs) Show();
 }
 
-// Figures that stand still look as if they were measured now. The first opening has none yet, and
-// is told of when it has to be tried again.
+// Figures that stand still look as if they were measured now. The first opening, which takes a
+// while, has none yet, and is told of at once when it has to be tried again.
 void LookAtAge() {
   constexpr std::int64_t oldUs = 1'000'000;
+  constexpr std::int64_t openingUs = 2 * oldUs;
   if (run.old || Stopped() || LinkLost()) return;
-  if (run.framesTaken == 0 && run.session.tries < 2) return;
-  if (MonotonicMicroseconds() - run.frameUs < oldUs) return;
+  const bool opening = run.framesTaken == 0 && run.session.tries < 2;
+  if (MonotonicMicroseconds() - run.frameUs < (opening ? openingUs : oldUs)) return;
   run.old = true;
   ShowLinkStatus("The ZEM does not answer.");
   Call(run.monitor->aged);

@@ -276,6 +276,25 @@ TEST_F(LiveSession, SilentOpeningIsToldOfFromItsSecondTryAndLeavingTakesItBack) 
   EXPECT_FALSE(LiveFiguresOld());
 }
 
+// The answer that is missing at the first try is waited for ten seconds.
+TEST_F(LiveSession, OpeningThatHangsInItsFirstTryIsToldOfAfterTwoSeconds) {
+  const std::string status = frmMain.statusPanels[0];
+  bool silent = true;
+  unit.mute = [&](std::string_view command) { return silent && command == "G"; };
+  AfterMs(1900, [&] { EXPECT_EQ(frmMain.statusPanels[0], status); });
+  AfterMs(2300, [&] {
+    EXPECT_EQ(frmMain.statusPanels[0], "Status: The ZEM does not answer.");
+    silent = false;
+  });
+  AfterMs(13'000, [&] {
+    EXPECT_EQ(frmMain.statusPanels[0], status);
+    EXPECT_GT(LiveFramesTaken(), 0);
+    StopLive();
+  });
+  Run();
+  ExpectReleased();
+}
+
 // ---- time-outs of frames ------------------------------------------------------------------------
 
 TEST_F(LiveSession, AFrameIsWaitedForThrough32767PassesAndAskedAgain) {

@@ -295,6 +295,25 @@ TEST_F(Zemsim, LogsTheTraffic) {
   EXPECT_EQ(answered.substr(12), " < 41 58");
 }
 
+// A command that is not finished in 200 ms is forgotten, but not because nobody let the unit hear.
+TEST_F(Zemsim, HeldBackInTheMiddleOfACommandItHearsTheRest) {
+  Start({"--control", In("control")});
+  Line();
+  Open();
+  ASSERT_EQ(write(port, "R3", 2), 2);
+  for (int i = 0; i < 2; ++i) {  // after the second it has been once around, and has heard
+    Control("clear");
+    EXPECT_EQ(Line(), "control: clear");
+  }
+  kill(pid, SIGSTOP);
+  ASSERT_EQ(waitpid(pid, nullptr, WUNTRACED), pid);
+  ASSERT_EQ(write(port, "\x05", 1), 1);
+  pollfd nothing{.fd = output, .events = POLLIN, .revents = 0};
+  EXPECT_EQ(poll(&nothing, 1, 400), 0);
+  kill(pid, SIGCONT);
+  EXPECT_EQ(Ask("", 2), "AX");
+}
+
 TEST_F(Zemsim, IdleItSleeps) {
   Start({"--quiet", "--control", In("control")});
   Line();
