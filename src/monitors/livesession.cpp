@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <string>
 #include <utility>
 
 #include "core/globalstate.h"
@@ -393,21 +394,25 @@ bool Finish() {
   return entryLost;
 }
 
-SessionOver RunTrapped() {
+struct Outcome {
+  SessionOver why = SessionOver::Left;
+  std::string failure;  // of the program itself, told once the unit is released
+};
+
+Outcome RunTrapped() {
   try {
-    return RunSessions();
+    return {RunSessions(), {}};
   } catch (const Failure& failure) {
-    MsgBox(FailureText(failure), Buttons::Ok, "Error", BoxIcon::Critical);
-    return WhyStopped();
+    return {WhyStopped(), FailureText(failure)};
   }
 }
 
-SessionOver RunWatched() {
+Outcome RunWatched() {
   constexpr int everyMs = 250;
   const int timer = StartTimer(everyMs, LookAtAge);
-  const SessionOver why = RunTrapped();
+  Outcome outcome = RunTrapped();
   StopTimer(timer);
-  return why;
+  return outcome;
 }
 
 }  // namespace
@@ -423,9 +428,10 @@ void RunLive(const LiveMonitor& monitor) {
     return;
   }
   Begin(monitor);
-  const SessionOver why = RunWatched();
+  const Outcome outcome = RunWatched();
   const bool entryLost = Finish();
-  if (monitor.over) monitor.over(why);
+  if (monitor.over) monitor.over(outcome.why);
+  if (!outcome.failure.empty()) MsgBox(outcome.failure, Buttons::Ok, "Error", BoxIcon::Critical);
   if (entryLost) ShowScreen(frmerr);
 }
 
