@@ -77,6 +77,8 @@ activate() {
   [ "$(xdotool getactivewindow 2>/dev/null)" = "$window" ]
 }
 
+has_the_keys() { xdotool getwindowname "$(xdotool getactivewindow)" | grep -q "$1"; }
+
 window_titled() { xdotool search --onlyvisible --name "$1"; }
 no_window_titled() { ! window_titled "$1"; }
 

@@ -8,15 +8,31 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/garage.sh"
 
 # edit MS BYTE: an injector offset typed in the editor arrives in the unit.
-type_offset() {
-  main_frame
+type_where_the_keys_are() {
   keys alt+i
   type_text "$1"
   keys Return
 }
+type_offset() {
+  main_frame
+  type_where_the_keys_are "$1"
+}
+arrives() { wait_for 20 "the offset of $1 ms in the ZEM" zem_holds 2 "$2"; }
 edit() {
   type_offset "$1"
-  wait_for 20 "the offset of $1 ms in the ZEM" zem_holds 2 "$2"
+  arrives "$1" "$2"
+}
+
+# The monitor comes up again, and the keys are in the editor when nothing moves any more.
+monitor_comes_back() { # AFTER WHAT
+  wait_for 30 "the digital monitor $1" window_titled "$monitor"
+  frames_flow
+  wait_for 5 "the keys of the editor $1" has_the_keys "$frame"
+}
+
+# A click into the monitor's window, as soon as there is one.
+click_monitor() {
+  xdotool mousemove --window "$(window_titled "$monitor")" 30 30 click 1 2>/dev/null
 }
 
 prepare_garage "$1" "$2"
@@ -48,8 +64,9 @@ wait_for 60 "the failure screen" window_titled 'COM ERROR'
 picture com-error
 zem clear
 answer 'COM ERROR' Return
-wait_for 30 "the digital monitor after the silence" window_titled "$monitor"
-edit 0.75 6
+monitor_comes_back "after the silence"
+type_where_the_keys_are 0.75
+arrives 0.75 6
 tell "the session went on after a silence, and an edit arrived"
 
 zem unplug
@@ -57,7 +74,9 @@ wait_for 30 "the failure screen of the unplugged cable" window_titled 'COM ERROR
 picture unplugged
 zem replug
 answer 'COM ERROR' Return
-wait_for 30 "the digital monitor on the replugged cable" window_titled "$monitor"
+wait_for 30 "the digital monitor on the replugged cable" click_monitor
+frames_flow
+has_the_keys "$monitor" || die "the keys have left the window that was clicked"
 edit 2.5 20
 tell "the session went on after unplug and replug, and an edit arrived"
 

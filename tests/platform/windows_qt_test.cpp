@@ -24,6 +24,8 @@ class WindowsQtTest : public ContractTest {
   static QWidget& WindowOf(Screen& screen) {
     return *static_cast<QtScreen*>(screen.native)->window;
   }
+  // A turn of the queue, without what the desktop has to tell.
+  static void LetTurnRun() { QCoreApplication::sendPostedEvents(); }
   static Screen Small(std::string name, ScreenPlacement placement) {
     return {
         .name = std::move(name), .title = "Small", .placement = placement, .build = [](Screen& s) {
@@ -173,6 +175,76 @@ TEST_F(WindowsQtTest, KeysReturnWhenTheWindowManagerTakesThemForANewWindow) {
   RunPending();
   EXPECT_EQ(ActiveScreen(), &work);
   EXPECT_TRUE(Window().isActiveWindow());
+}
+
+// Counts how often a window gets the keys.
+class Activations : public QObject {
+ public:
+  explicit Activations(QWidget& window) { window.installEventFilter(this); }
+  int count = 0;
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::WindowActivate) ++count;
+    return false;
+  }
+};
+
+TEST_F(WindowsQtTest, OnlyTheLastWindowThatARoutineGivesTheKeysToIsAskedFor) {
+  ShowScreen(work);
+  ShowScreen(above);
+  ActivateScreen(work);
+  RunPending();
+  ASSERT_TRUE(Window().isActiveWindow());
+  Activations ofAbove(WindowOf(above));
+  ActivateScreen(above);
+  ActivateScreen(work);
+  RunPending();
+  EXPECT_EQ(ofAbove.count, 0);
+  EXPECT_TRUE(Window().isActiveWindow());
+  ActivateScreen(above);
+  RunPending();
+  EXPECT_EQ(ofAbove.count, 1);
+}
+
+TEST_F(WindowsQtTest, WindowAskedForLaterHasTheKeysAlthoughItStillHadThem) {
+  ShowScreen(work);
+  RunPending();
+  ShowScreen(above);
+  LetTurnRun();
+  ActivateScreen(work);
+  LetTurnRun();
+  ASSERT_TRUE(Window().isActiveWindow()) << "the desktop has not answered yet";
+  RunPending();
+  EXPECT_TRUE(Window().isActiveWindow());
+  EXPECT_EQ(ActiveScreen(), &work);
+}
+
+TEST_F(WindowsQtTest, UserWhoClicksAWindowThatHasJustComeUpHasTheKeysThere) {
+  ShowScreen(work);
+  RunPending();
+  ShowScreen(above);
+  ActivateScreen(work);
+  ClickOn(above, "Text1");
+  WindowOf(above).activateWindow();  // as the window manager does for the click
+  RunPending();
+  EXPECT_EQ(ActiveScreen(), &above);
+  EXPECT_TRUE(WindowOf(above).isActiveWindow());
+}
+
+TEST_F(WindowsQtTest, WindowThatHasGivenTheKeysBackKeepsThemWhenTheUserGoesToIt) {
+  ShowScreen(work);
+  RunPending();
+  ShowScreen(above);
+  ActivateScreen(work);
+  RunPending();
+  EXPECT_EQ(ActiveScreen(), &work);
+  WindowOf(above).activateWindow();
+  RunPending();
+  WindowOf(above).activateWindow();
+  RunPending();
+  EXPECT_EQ(ActiveScreen(), &above);
+  EXPECT_TRUE(WindowOf(above).isActiveWindow());
 }
 
 TEST_F(WindowsQtTest, ScreenAboveKeepsItsPlaceInTheRecord) {

@@ -19,6 +19,7 @@
 #include "platform/failure.h"
 #include "platform/loop.h"
 #include "platform/native.h"
+#include "platform/qt/qtactivation.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtframe.h"
@@ -159,6 +160,7 @@ void RunFileDialog(FileDialog& dialog, QFileDialog::AcceptMode mode) {
 int RunBox(QDialog& box) {
   NativeFrame frame;
   CarryOutChanges();
+  ForgetActivationWish();
   int result = 0;
   {
     YieldScope scope;

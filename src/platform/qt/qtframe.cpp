@@ -17,6 +17,7 @@
 #include "platform/fit.h"
 #include "platform/frame.h"
 #include "platform/native.h"
+#include "platform/qt/qtactivation.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtmenus.h"

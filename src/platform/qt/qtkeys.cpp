@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "platform/native.h"
+#include "platform/qt/qtactivation.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtframe.h"

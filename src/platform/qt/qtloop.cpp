@@ -17,6 +17,7 @@
 #include "platform/loop.h"
 #include "platform/native.h"
 #include "platform/qt/qtaccess.h"
+#include "platform/qt/qtactivation.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtboxes.h"
 #include "platform/qt/qtcontrols.h"
@@ -68,6 +69,7 @@ void Turn() {
   State& loop = Loop();
   loop.turnWaits = false;
   CarryOutChanges();
+  AskForKeys();
   if (loop.holds > 0 && YieldDepth() == 0) return;
   loop.routinesWait = false;
   if (RunSoonRoutines()) CarryOutChanges();

@@ -3,11 +3,9 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QElapsedTimer>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHash>
-#include <QPointer>
 #include <QScreen>
 #include <QScrollArea>
 #include <QStyle>
@@ -20,6 +18,7 @@
 
 #include "platform/frame.h"
 #include "platform/native.h"
+#include "platform/qt/qtactivation.h"
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtchild.h"
 #include "platform/qt/qtfit.h"
@@ -241,6 +240,7 @@ void ShowWindow(QtScreen& native) {
   if (!native.window->isVisible()) {
     PlaceWindow(native);
     native.window->show();
+    NoteComingUp(*native.window);
   }
   native.window->raise();
 }
@@ -279,9 +279,6 @@ void TellCanvasSizes(QtScreen& native) {
 }
 
 QtScreen* NativeOf(const Screen& screen) { return static_cast<QtScreen*>(screen.native); }
-
-QPointer<QWidget> wishedWindow;
-QElapsedTimer wishedSince;
 
 }  // namespace
 
@@ -431,28 +428,6 @@ void NativeFocus(Control& control) {
   CarryOutChanges();
   FocusByRecord(*control.owner);
 }
-
-// The window manager gives the keys to a window that has just come up, also when the program wants
-// them elsewhere meanwhile: the wish is told again. Once it is granted, or old, the user decides.
-bool ActivationCounts(const QWidget& window) {
-  constexpr qint64 wishHoldsMs = 1000;
-  if (!wishedWindow || !wishedWindow->isVisible() || wishedSince.elapsed() > wishHoldsMs)
-    return true;
-  if (wishedWindow == &window) {
-    ForgetActivationWish();
-    return true;
-  }
-  wishedWindow->activateWindow();
-  return false;
-}
-
-void WishActivation(QWidget& window) {
-  wishedWindow = &window;
-  wishedSince.start();
-  if (!window.isActiveWindow()) window.activateWindow();
-}
-
-void ForgetActivationWish() { wishedWindow = nullptr; }
 
 void NativeActivate(Screen& screen) {
   QtScreen* native = NativeOf(screen);

@@ -31,11 +31,5 @@ void FocusByRecord(Screen& screen);
 // Deletes released screens, unless a native routine of one may be on the stack.
 void ReleaseScreens();
 void ReleaseSoon();  // in the next turn, if there are any
-// A window of ours got the keys: false when it is not the one that was asked for just now, which is
-// then asked for again.
-bool ActivationCounts(const QWidget& window);
-void WishActivation(QWidget& window);
-// A press of the mouse decides anew.
-void ForgetActivationWish();
 // The screen inside the frame that has the keys when the frame's window has them, or null.
 Screen* ScreenInFrame();
