@@ -147,9 +147,7 @@ void ControlKey(Editor& editor, KeyEvent& event) {
     event.handled = true;
     return;
   }
-  // A save may put values right in the calibration.
-  if (HandleHotKey(event, {.portOneOrTwoOnly = editor.portFlipsTwo}) && event.key == 'S')
-    Redraw(editor);
+  HandleHotKey(event, {.portOneOrTwoOnly = editor.portFlipsTwo});
 }
 
 void ScreenKey(Editor& editor, KeyEvent& event) {

@@ -130,8 +130,7 @@ void TakeKeyDown(Screen&, KeyEvent& event) {
     Draw();
     return;
   }
-  // A save may put values right in the calibration.
-  if (HandleHotKey(event) && event.key == 'S') Rebuild();
+  HandleHotKey(event);
 }
 
 void GoBack() {

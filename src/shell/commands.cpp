@@ -1,4 +1,4 @@
-// The commands of the main menu.
+// The commands of the main menu and of the file menu.
 #include "shell/commands.h"
 
 #include <string>
@@ -63,6 +63,10 @@ void LoadWizardTemplate(WizardStart start) {
 void ComeBackFromProgramming() {
   if (FindLoaded("Program_ZEM")) return;
   if (!AnythingUp() || TopWorkScreen() == &Form1) ShowMainMenu("ProgramZem");
+}
+
+void ShowTopScreenAgain() {
+  if (Screen* top = TopWorkScreen()) ShowScreen(*top);
 }
 
 void ShowDigitalMonitor() {
@@ -152,4 +156,19 @@ void ShowOptions() {
 
 void ShowDatalogScreen() {
   if (!RefusedWhilePortHeld()) OpenLive("Datalog_frm1", ReturnToMainMenu);
+}
+
+void OpenFromMenu() {
+  OpenCalibration();
+  ShowTopScreenAgain();
+}
+
+void SaveFromMenu() {
+  savedata();
+  ShowTopScreenAgain();
+}
+
+void SaveAsFromMenu() {
+  SaveCalibrationAs();
+  ShowTopScreenAgain();
 }

@@ -1,5 +1,5 @@
-// The commands of the main menu, which its buttons, the menu bar, the tree and the hot keys share.
-// Each refuses by its own guards before any screen is touched.
+// The commands that the main menu, the menu bar, the tree and the hot keys share. Each of the main
+// menu refuses by its own guards before any screen is touched.
 #pragma once
 
 #include <string_view>
@@ -16,6 +16,12 @@ void RunWizard();
 void ShowTools();
 void AutoCalibrate();
 void ShowOptions();
+
+// The file menu; Ctrl+S is its save. The screen on top is shown again, with what is open now, and
+// with the values that a save has put right.
+void OpenFromMenu();
+void SaveFromMenu();
+void SaveAsFromMenu();
 
 // The screen of the monitor that "Screensetting" names.
 std::string_view MonitorOfSetting();

@@ -34,8 +34,6 @@ void PopUpCommunication() { PopUp("mnuCom"); }
 void PopUpTools() { PopUp("mnuTools"); }
 void PopUpView() { PopUp("mnuView"); }
 
-void Save() { savedata(); }
-
 void ShowCalibration(const HotKeyRules& rules) {
   if (!rules.calibrationScreen) return;
   CloseActiveScreen();
@@ -61,7 +59,7 @@ constexpr std::array<HotKey, 12> hotKeys = {{
     {'E', ShowCalibration},
     {'M', Plain<ViewMonitor>},
     {'P', StepPort},
-    {'S', Plain<Save>},
+    {'S', Plain<SaveFromMenu>},
     {'X', Plain<mnuFileExit_Click>},
     {'Z', Plain<SaveAndProgram>},
 }};

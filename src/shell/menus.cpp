@@ -4,7 +4,6 @@
 #include <array>
 #include <string>
 
-#include "core/binfile.h"
 #include "core/globalstate.h"
 #include "core/settings.h"
 #include "platform/dialogs.h"
@@ -17,14 +16,6 @@
 namespace {
 
 bool startMenusEnabled = false;
-
-// The screen that was up shows what is open now.
-void OpenFromMenu() {
-  OpenCalibration();
-  if (Screen* top = TopWorkScreen()) ShowScreen(*top);
-}
-void Save() { savedata(); }
-void SaveAs() { SaveCalibrationAs(); }
 
 template <int value>
 void SetMonitorType() {
@@ -84,11 +75,11 @@ constexpr std::array rows = {
     MenuRow{"mnuFileSave",
             "mnuFile",
             "&Save Bin/S19 File                Ctrl+S",
-            {.run = Save},
+            {.run = SaveFromMenu},
             true,
             false,
             true},
-    MenuRow{"mnuFileSaveAs", "mnuFile", "Save Bin/S19 File &As...", {.run = SaveAs}, true},
+    MenuRow{"mnuFileSaveAs", "mnuFile", "Save Bin/S19 File &As...", {.run = SaveAsFromMenu}, true},
     MenuRow{"mnuFileOptions", "mnuFile", "&Options", {}, false, false, true},
     MenuRow{"mnuoptionscreen1",
             "mnuFileOptions",

@@ -1,6 +1,7 @@
 // Editors inside the running program: hot keys, the way from and to the calibration screen, saving.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -192,17 +193,24 @@ TEST_F(EditorHotKeys, CtrlSWritesWhatWasEntered) {
   EXPECT_TRUE(FileExists(TestFolder() + "/V8.S19"));
 }
 
-TEST_F(EditorHotKeys, CtrlSShowsWhatTheSaveHasPutRight) {
+TEST_F(EditorHotKeys, EveryRoadOfASaveShowsWhatItHasPutRight) {
+  const std::function<void()> roads[] = {[] { PressKey("Ctrl+S"); },
+                                         [] { ChooseMenu("mnuFileSave"); }};
   PressKey("Esc");
   RunPending();
-  CalValues[345] = 40;  // no ratio of a mixture that burns
   OpenScreen("EGO_AF_TBL");
-  RunPending();
-  EXPECT_EQ(ShownText(EgoAfTbl().screen, "Table_EGO(1)"), "40");
-  PressKey("Ctrl+S");
-  RunPending();
-  EXPECT_EQ(CalValues[345], 14.64F);
-  EXPECT_EQ(ShownText(EgoAfTbl().screen, "Table_EGO(1)"), "14.64");
+  for (const auto& save : roads) {
+    CalValues[345] = 40;  // no ratio of a mixture that burns
+    ShowScreen(EgoAfTbl().screen);
+    RunPending();
+    EXPECT_EQ(ShownText(EgoAfTbl().screen, "Table_EGO(1)"), "40");
+    const std::string focus = ShownFocus();
+    save();
+    RunPending();
+    EXPECT_EQ(CalValues[345], 14.64F);
+    EXPECT_EQ(ShownText(EgoAfTbl().screen, "Table_EGO(1)"), "14.64");
+    EXPECT_EQ(ShownFocus(), focus);
+  }
 }
 
 TEST_F(EditorHotKeys, CtrlAloneDoesNothing) {

@@ -278,6 +278,21 @@ TEST_F(MenuTest, SaveAndSaveAsWrite) {
   EXPECT_EQ(CurrentBinPath, "/home/user/b.bin");
 }
 
+TEST_F(MenuTest, SaveAndSaveAsShowTheScreenThatWasUpAgain) {
+  Screen& editor = StandIn("Rev_limiter");
+  editor.on.shown = [this](Screen&) { Note("shown"); };
+  Start();
+  OpenSomeFile();
+  GoTo("Rev_limiter");
+  TakeNotes();
+  ChooseMenu("mnuFileSave");
+  EXPECT_EQ(TakeNotes(), "shown");
+  AnswerNextFile("/home/user/b.bin");
+  ChooseMenu("mnuFileSaveAs");
+  TakeBox();
+  EXPECT_EQ(TakeNotes(), "shown");
+}
+
 TEST_F(MenuTest, ExitClosesTheScreenFirst) {
   StandIn("Rev_limiter");
   Start();
