@@ -13,6 +13,7 @@
 #include "platform/qt/qtbase.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtframe.h"
+#include "platform/qt/qtmenus.h"
 #include "platform/qt/qtscreen.h"
 #include "platform/qt/qtwidgets.h"
 
@@ -107,6 +108,33 @@ TEST_F(WindowsQtTest, KeyOfAMenuEntryStandsInAColumn) {
   SetMenuCaption(frame, "mnuname", "ONFLY MODE");
   EXPECT_EQ(inert->text(), "ONFLY MODE");
   EXPECT_TRUE(ActionOf(*FindMenu(frame, "mnuFileSave"))->shortcut().isEmpty());
+}
+
+TEST_F(WindowsQtTest, LineOfTheMenuBarStaysInSightInANarrowWindow) {
+  const std::string line = "                Brantwell Engine Controls         MONITOR MODE";
+  frame.menus = {{.name = "mnuFile", .caption = "&File", .items = {{.name = "mnuOpen"}}},
+                 {.name = "mnuTools", .caption = "&Tools", .items = {{.name = "mnuMemo"}}},
+                 {.name = "mnuname", .caption = "EDIT MODE"}};
+  ShowFrame(frame);
+  SetMenuCaption(frame, "mnuname", line);
+  QMenuBar& bar = *Window().menuBar();
+  QAction& shown = *ActionOf(*FindMenu(frame, "mnuname"));
+  const int asGiven = WidthOfMenus(bar);
+  const int blank = bar.fontMetrics().horizontalAdvance(' ');
+  for (int missing : {0, 3 * blank, 8 * blank, 15 * blank}) {
+    Window().resize(asGiven - missing, 400);
+    RunPending();
+    EXPECT_EQ(WidthOfMenus(bar), asGiven);
+    EXPECT_EQ(shown.text() == ToQt(line), missing == 0) << missing;
+    EXPECT_EQ(shown.text().simplified(), "Brantwell Engine Controls MONITOR MODE");
+    QRect place = bar.actionGeometry(&shown);
+    EXPECT_FALSE(place.isEmpty()) << missing;
+    EXPECT_LE(place.right(), bar.width()) << missing;
+    EXPECT_EQ(FindMenu(frame, "mnuname")->caption, line);
+  }
+  Window().resize(asGiven + 50, 400);
+  RunPending();
+  EXPECT_EQ(shown.text(), ToQt(line));
 }
 
 TEST_F(WindowsQtTest, MenusAreFilledWhenTheyAreOpened) {

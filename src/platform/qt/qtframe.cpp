@@ -64,6 +64,11 @@ class MainWindow : public QMainWindow {
       for (Screen* screen : LoadedScreens()) NativeScreenChanged(*screen);
     return QMainWindow::event(event);
   }
+
+  void resizeEvent(QResizeEvent* event) override {
+    FitMenus(*menuBar(), width());
+    QMainWindow::resizeEvent(event);
+  }
 };
 
 MainWindow* mainWindow = nullptr;
@@ -108,9 +113,8 @@ bool GrowOnceFor(const QWidget* page) {
   QRect desktop = Desktop();
   QSize most = desktop.size() - Borders(window);
   QSize needs = page ? page->sizeHint() + around : window.size();
-  for (QWidget* bar :
-       {static_cast<QWidget*>(window.menuBar()), static_cast<QWidget*>(window.statusBar())})
-    needs.setWidth(std::max(needs.width(), bar->sizeHint().width()));
+  needs.setWidth(std::max(
+      {needs.width(), WidthOfMenus(*window.menuBar()), window.statusBar()->sizeHint().width()}));
   QSize size = needs.boundedTo(most).expandedTo(window.size());
   if (size == window.size()) return false;
   QPoint corner = window.pos();
@@ -173,6 +177,7 @@ void ShowStatus(const Frame& frame) {
 }  // namespace
 
 QWidget* FrameWindow() { return mainWindow; }
+void FitMenusToFrame() { FitMenus(*Window().menuBar(), Window().width()); }
 QWidget* WorkArea() { return Window().stack; }
 
 // ---- pages --------------------------------------------------------------------------------------
@@ -212,6 +217,7 @@ void NativeShowFrame(Frame& frame) {
   MainWindow& window = Window();
   frame.native = &window;
   BuildMenus(*window.menuBar(), frame);
+  FitMenusToFrame();
   NativeFrameChanged(frame);
   QPixmap icon = PictureNamed(frame.icon);
   if (!icon.isNull()) window.setWindowIcon(QIcon(icon));

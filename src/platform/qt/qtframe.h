@@ -17,5 +17,7 @@ void HideWorkPage(QWidget& page);
 void RemoveWorkPage(QWidget& page);
 // The action of an entry of the menu bar; null when there is none.
 QAction* ActionOf(const MenuItem& item);
+// The entries of the menu bar in the width that the window has.
+void FitMenusToFrame();
 // Whether a user can get to it: every menu on the way is enabled and visible, as it is.
 bool MenuReachable(const MenuItem& item);

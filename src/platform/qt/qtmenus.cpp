@@ -34,10 +34,11 @@ QString WithColumn(const std::string& caption) {
   return ToQt(caption.substr(0, end + 1)) + u'\t' + ToQt(caption.substr(key));
 }
 
+bool IsInert(const MenuItem& item) { return item.items.empty() && !item.click; }
+
 void ShowEntry(const MenuItem& item, QAction& action) {
   action.setText(WithColumn(item.caption));
-  bool inert = item.items.empty() && !item.click;
-  action.setEnabled(item.enabled && !inert);
+  action.setEnabled(item.enabled && !IsInert(item));
   action.setVisible(item.visible);
   if (item.checked) action.setCheckable(true);
   if (action.isCheckable()) action.setChecked(item.checked);
@@ -89,6 +90,37 @@ void ForgetMenus(QMenuBar& bar) {
   entries.clear();
 }
 
+// No run of blanks is longer than this.
+QString WithBlanks(const std::string& caption, int most) {
+  std::string text;
+  int run = 0;
+  for (char c : caption) {
+    run = c == ' ' ? run + 1 : 0;
+    if (run <= most) text += c;
+  }
+  return ToQt(text);
+}
+
+// The entry that only tells something, by its record and as it is shown; null when there is none.
+struct Line {
+  const MenuItem* item = nullptr;
+  QAction* action = nullptr;
+};
+Line LineOfBar() {
+  const Frame* frame = TheFrame();
+  if (!frame) return {};
+  for (const MenuItem& item : frame->menus) {
+    auto found = entries.find(&item);
+    if (IsInert(item) && item.visible && found != entries.end())
+      return {&item, found->second.action};
+  }
+  return {};
+}
+
+int WidthOf(const QMenuBar& bar, const QString& text) {
+  return bar.fontMetrics().size(Qt::TextShowMnemonic, text).width();
+}
+
 bool Holds(const MenuItem& at, const MenuItem& wanted) {
   if (&at == &wanted) return true;
   return std::any_of(at.items.begin(), at.items.end(),
@@ -111,6 +143,24 @@ void BuildMenus(QMenuBar& bar, Frame& frame) {
   for (MenuItem& item : frame.menus) AddEntry(bar, item);
 }
 
+int WidthOfMenus(const QMenuBar& bar) {
+  const int shown = bar.sizeHint().width();
+  const Line line = LineOfBar();
+  if (!line.item) return shown;
+  return shown + WidthOf(bar, ToQt(line.item->caption)) - WidthOf(bar, line.action->text());
+}
+
+void FitMenus(QMenuBar& bar, int width) {
+  const Line line = LineOfBar();
+  if (!line.item) return;
+  QString text = ToQt(line.item->caption);
+  const int room = WidthOf(bar, text) - std::max(WidthOfMenus(bar) - width, 0);
+  constexpr int longestRun = 16;
+  for (int blanks = longestRun; blanks > 0 && WidthOf(bar, text) > room; --blanks)
+    text = WithBlanks(line.item->caption, blanks);
+  if (line.action->text() != text) line.action->setText(text);
+}
+
 QAction* ActionOf(const MenuItem& item) {
   if (Frame* frame = TheFrame()) FillTowards(frame->menus, item);
   auto found = entries.find(&item);
@@ -131,7 +181,9 @@ bool MenuReachable(const MenuItem& item) {
 
 void NativeMenuChanged(Frame&, MenuItem& item) {
   auto found = entries.find(&item);
-  if (found != entries.end()) ShowEntry(item, *found->second.action);
+  if (found == entries.end()) return;
+  ShowEntry(item, *found->second.action);
+  if (IsInert(item)) FitMenusToFrame();
 }
 
 void NativePopUpMenu(Frame&, MenuItem& item) {
