@@ -11,6 +11,16 @@
 
 namespace {
 
+// A machine that is busy elsewhere makes things last longer, never shorter: what must not take
+// longer than a limit is tried again, and the least disturbed round counts.
+template <typename Round>
+double LeastOf(double limit, Round round) {
+  constexpr int roundsAtMost = 50;
+  double least = round();
+  for (int i = 1; i < roundsAtMost && least >= limit; ++i) least = std::min(least, round());
+  return least;
+}
+
 class LoopQtTest : public ContractTest {
  protected:
   // Microseconds and processor microseconds of so many passes.
@@ -40,8 +50,8 @@ class LoopQtTest : public ContractTest {
 TEST_F(LoopQtTest, PassesLastAbout30MicrosecondsAndMostlySleep) {
   auto [took, busy] = CostOf(10000);
   EXPECT_GT(took / 10000, 20);
-  EXPECT_LT(took / 10000, 300);
   EXPECT_LT(busy, took / 3);
+  EXPECT_LT(LeastOf(300, [] { return CostOf(1000).first / 1000; }), 300);
 }
 
 // A routine that waits for the queue must not keep the yields of the one that runs from sleeping.
@@ -68,22 +78,28 @@ TEST_F(LoopQtTest, SoonRoutineWakesAYield) {
 }
 
 TEST_F(LoopQtTest, TimersKeepTheirTime) {
-  int ticks = 0;
-  int timer = StartTimer(20, [&] { ++ticks; });
-  std::int64_t start = MonotonicMicroseconds();
-  while (ticks < 5) Yield();
-  double took = static_cast<double>(MonotonicMicroseconds() - start) / 1000;
-  StopTimer(timer);
-  EXPECT_GT(took, 80);
-  EXPECT_LT(took, 400);
+  auto millisecondsOfFiveTicks = [] {
+    int ticks = 0;
+    int timer = StartTimer(20, [&] { ++ticks; });
+    std::int64_t start = MonotonicMicroseconds();
+    while (ticks < 5) Yield();
+    double took = static_cast<double>(MonotonicMicroseconds() - start) / 1000;
+    StopTimer(timer);
+    EXPECT_GT(took, 80);
+    return took;
+  };
+  EXPECT_LT(LeastOf(400, millisecondsOfFiveTicks), 400);
 }
 
 TEST_F(LoopQtTest, PauseLastsATenthOfAMillisecondAUnit) {
-  std::int64_t start = MonotonicMicroseconds();
-  Pause(50);
-  std::int64_t took = MonotonicMicroseconds() - start;
-  EXPECT_GE(took, 5000);
-  EXPECT_LT(took, 50000);
+  auto microsecondsOfAPause = [] {
+    std::int64_t start = MonotonicMicroseconds();
+    Pause(50);
+    double took = static_cast<double>(MonotonicMicroseconds() - start);
+    EXPECT_GE(took, 5000);
+    return took;
+  };
+  EXPECT_LT(LeastOf(50000, microsecondsOfAPause), 50000);
 }
 
 TEST_F(LoopQtTest, EndInsideALiveLoopLetsItUnwind) {
