@@ -9,6 +9,7 @@
 #include "platform/qt/qtdisk.h"
 
 #ifdef _WIN32
+#include <QFile>
 #include <QSaveFile>
 #else
 #include <fcntl.h>
@@ -22,15 +23,38 @@ namespace {
 
 #ifdef _WIN32
 
-void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
-  QSaveFile file(ToQt(DiskText(target)));
-  if (!file.open(QIODevice::WriteOnly)) RaiseFailure(FailurePermissionDenied);
+// A small file that does not fit is only noticed by flushing it.
+void WriteAll(QFileDevice& file, std::span<const std::uint8_t> bytes) {
   auto size = static_cast<qint64>(bytes.size());
   bool written = file.write(reinterpret_cast<const char*>(bytes.data()), size) == size;
-  // A small file that does not fit is only noticed by flushing it.
   if (!written || !file.flush()) RaiseFailure(FailureDiskFull);
-  if (!file.commit()) RaiseFailure(FailureDeviceIo);
 }
+
+// Writes the whole file and puts it in the place of the target. Result: whether the folder takes a
+// new file, in this place.
+bool Replace(const fs::path& target, std::span<const std::uint8_t> bytes) {
+  QSaveFile file(ToQt(DiskText(target)));
+  if (!file.open(QIODevice::WriteOnly)) return false;
+  WriteAll(file, bytes);
+  return file.commit();
+}
+
+// Unbuffered: what a full disk has refused must not stand in front of the old bytes.
+class Opened {
+ public:
+  explicit Opened(const fs::path& target) : file(ToQt(DiskText(target))) {
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
+      RaiseFailure(FailurePermissionDenied);
+  }
+  void Overwrite(std::span<const std::uint8_t> bytes) {
+    if (!file.seek(0)) RaiseFailure(FailureDeviceIo);
+    WriteAll(file, bytes);
+    if (!file.resize(static_cast<qint64>(bytes.size()))) RaiseFailure(FailureDeviceIo);
+  }
+
+ private:
+  QFile file;
+};
 
 #else
 
@@ -108,26 +132,51 @@ bool FolderRefuses(int error) {
   return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
-void Overwrite(int file, std::span<const std::uint8_t> bytes, const std::string& path) {
-  if (::lseek(file, 0, SEEK_SET) != 0) RaiseDiskFailure(errno, path);
-  WriteAll(file, bytes, path);
-  if (::ftruncate(file, static_cast<off_t>(bytes.size())) != 0) RaiseDiskFailure(errno, path);
-  if (::fsync(file) != 0) RaiseDiskFailure(errno, path);
-}
+class Opened {
+ public:
+  explicit Opened(const fs::path& target)
+      : path(DiskText(target)), file(::open(target.c_str(), O_WRONLY | O_CLOEXEC)) {
+    if (file.Number() < 0) RaiseDiskFailure(errno, path);
+  }
+  void Overwrite(std::span<const std::uint8_t> bytes) {
+    if (::lseek(file.Number(), 0, SEEK_SET) != 0) RaiseDiskFailure(errno, path);
+    WriteAll(file.Number(), bytes, path);
+    if (::ftruncate(file.Number(), static_cast<off_t>(bytes.size())) != 0)
+      RaiseDiskFailure(errno, path);
+    if (::fsync(file.Number()) != 0) RaiseDiskFailure(errno, path);
+  }
+
+ private:
+  std::string path;
+  Descriptor file;
+};
+
+#endif
 
 // The old bytes are kept meanwhile, and go back when the new ones do not fit.
 void SaveInPlace(const fs::path& target, std::span<const std::uint8_t> bytes) {
-  const std::string path = DiskText(target);
-  const std::vector<std::uint8_t> old = ReadWholeFile(path);
-  Descriptor file(::open(target.c_str(), O_WRONLY | O_CLOEXEC));
-  if (file.Number() < 0) RaiseDiskFailure(errno, path);
+  const std::vector<std::uint8_t> old = ReadWholeFile(DiskText(target));
+  Opened file(target);
   try {
-    Overwrite(file.Number(), bytes, path);
+    file.Overwrite(bytes);
   } catch (const Failure&) {
-    Overwrite(file.Number(), old, path);
+    file.Overwrite(old);
     throw;
   }
 }
+
+#ifdef _WIN32
+
+void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
+  if (Replace(target, bytes)) return;
+  std::error_code ignored;
+  const bool folderThere = fs::is_directory(target.parent_path(), ignored);
+  if (!fs::exists(target, ignored))
+    RaiseDiskFailure(folderThere ? EACCES : ENOENT, DiskText(target));
+  SaveInPlace(target, bytes);
+}
+
+#else
 
 void SaveBeside(const fs::path& target, std::span<const std::uint8_t> bytes) {
   const fs::path name = NameBeside(target);
