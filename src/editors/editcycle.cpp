@@ -187,8 +187,10 @@ void Post(const EditorField& row, double stored) {
 
 void Accept(Editor& editor, const EditorField& row, double entry) {
   const double stored = row.toStored ? row.toStored(entry) : entry;
-  StoreOrPost(editor, row, stored);
-  if (row.accepted) row.accepted(editor, row, stored);
+  if (!HasOnflyPath(row) || !OnlyConfirms(editor, row.calIndex)) {
+    StoreOrPost(editor, row, stored);
+    if (row.accepted) row.accepted(editor, row, stored);
+  }
   if (!StillUp(editor)) return;
   reinit(editor);
   CalChanged = true;
@@ -369,6 +371,7 @@ void EntryHandler(Editor& editor, const EditorField& row) {
 }
 
 void PressEnter(Editor& editor, const EditorField& row) {
+  editor.typed = EntryPending == 1 || ControlOf(editor, row).text != WrittenText(editor, row);
   EnterPressed = 1;
   EntryPending = 0;
   EntryHandler(editor, row);
@@ -379,7 +382,12 @@ void PressEnter(Editor& editor, const EditorField& row) {
 void EnterText(Editor& editor, const EditorField& row, const std::string& text) {
   SetText(ControlOf(editor, row), text);
   Activate(editor, row);
+  EntryPending = 1;
   PressEnter(editor, row);
+}
+
+bool OnlyConfirms(const Editor& editor, int calIndex) {
+  return MonitorMode == onflySession && !editor.typed && WriteOnItsWay(calIndex);
 }
 
 void StoreOrPost(Editor& editor, const EditorField& row, double stored) {

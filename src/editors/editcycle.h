@@ -74,6 +74,7 @@ struct Editor {
   std::vector<Control*> listControls;
   std::vector<std::string> writtenTexts;  // by row, as last written by the program
   std::vector<int> shownIndex;            // of each list, as last shown
+  bool typed = false;         // what Enter takes is the user's, not a text that was written here
   bool listIsActive = false;  // ActiveField is a list's number; a field may have the same one
 };
 
@@ -99,6 +100,9 @@ void RunBack(Editor& editor);
 void EnterText(Editor& editor, const EditorField& row, const std::string& text);
 // What an accepted value goes through: CalValues, or the posted write of an ONFLY session.
 void StoreOrPost(Editor& editor, const EditorField& row, double stored);
+// Enter was pressed on what stood there while a write of this element is on its way: the old value
+// must not follow the new one.
+bool OnlyConfirms(const Editor& editor, int calIndex);
 // Gives the focus to the field of this number, as the arrow keys of a table do.
 void FocusField(Editor& editor, int number);
 

@@ -55,6 +55,7 @@ void ListArrow(Editor& editor, const EditorList& row, Control& control, int key)
 }
 
 void ListEnter(Editor& editor, const EditorList& row, Control& control) {
+  editor.typed = EntryPending == 1;
   EntryPending = 0;
   Activate(editor, row);
   if (row.enter) row.enter(editor, row, control.listIndex);

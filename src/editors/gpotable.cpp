@@ -69,7 +69,8 @@ void StoreFrequency(int divisor) {
 // A list that shows nothing, because the file holds a divisor that it does not know, keeps it.
 void EnterFrequency(Editor& editor, const EditorList&, int index) {
   if (index < 0) return;
-  StoreFrequency(frequencies[static_cast<std::size_t>(index)].divisor);
+  if (!OnlyConfirms(editor, frequencyValue))
+    StoreFrequency(frequencies[static_cast<std::size_t>(index)].divisor);
   reinit(editor);
   CalChanged = true;
 }

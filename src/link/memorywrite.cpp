@@ -210,6 +210,7 @@ void ONFLY(int index, float count, float& result) {
 Transfer TransferPostedWrite() {
   if (!(OnflyByteCount > 0)) return Transfer::Nothing;
   const PostedWrite posted = TakePosted();
+  const WriteBeingSent mark(posted.calIndex, posted.loads);
   if (posted.loads != CalibrationLoads) return Disown();
   const Write write = WriteAndTell(posted.imageIndex, posted.count);
   if (posted.loads != CalibrationLoads) return Disown();

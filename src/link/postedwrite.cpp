@@ -1,6 +1,8 @@
 // State of the posted memory write.
 #include "link/postedwrite.h"
 
+#include <optional>
+
 #include "core/binfile.h"
 #include "core/calfix.h"
 
@@ -13,6 +15,12 @@ long OnflyLoads = 0;
 void (*RefreshActiveEditor)() = [] {};
 
 namespace {
+
+struct SentWrite {
+  int calIndex;
+  long loads;
+};
+std::optional<SentWrite> sent;
 
 ImageBytes PostedBytes() { return {OnflyImageIndex, static_cast<int>(OnflyByteCount)}; }
 
@@ -27,5 +35,15 @@ void PostWrite(int calIndex, double value, int imageIndex, int byteCount, StoreR
   OnflyLoads = CalibrationLoads;
   BytesWaiting = PostedBytes;
 }
+
+bool WriteOnItsWay(int calIndex) {
+  if (OnflyByteCount > 0 && OnflyCalIndex == calIndex && OnflyLoads == CalibrationLoads)
+    return true;
+  return sent && sent->calIndex == calIndex && sent->loads == CalibrationLoads;
+}
+
+WriteBeingSent::WriteBeingSent(int calIndex, long loads) { sent = {calIndex, loads}; }
+
+WriteBeingSent::~WriteBeingSent() { sent.reset(); }
 
 void ResetPostedWrite() { PostWrite(0, 0, 0, 0); }

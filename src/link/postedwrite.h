@@ -25,6 +25,18 @@ extern long OnflyLoads;
 void PostWrite(int calIndex, double value, int imageIndex, int byteCount,
                StoreRoutine store = nullptr);
 
+// Whether a write of this element of CalValues is posted or being sent: the element still holds the
+// value before it. One that was posted for another calibration does not count.
+bool WriteOnItsWay(int calIndex);
+// The live loop keeps one while it sends a write that it has taken off.
+class WriteBeingSent {
+ public:
+  WriteBeingSent(int calIndex, long loads);
+  ~WriteBeingSent();
+  WriteBeingSent(const WriteBeingSent&) = delete;
+  WriteBeingSent& operator=(const WriteBeingSent&) = delete;
+};
+
 // Redraws the editor on top, if one is up: the live loop calls it after an accepted write. Set by
 // the editors; does nothing until then.
 extern void (*RefreshActiveEditor)();

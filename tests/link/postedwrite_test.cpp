@@ -42,6 +42,22 @@ TEST_F(PostedWriteTest, AnAcceptedValueIsAChange) {
   EXPECT_TRUE(stored.empty()) << "the loop stores it, not the screen";
 }
 
+TEST_F(PostedWriteTest, AWriteIsOnItsWayUntilTheUnitHasAnswered) {
+  EXPECT_FALSE(WriteOnItsWay(2));
+  PostWrite(2, 1.25, 2, 1);
+  EXPECT_TRUE(WriteOnItsWay(2));
+  EXPECT_FALSE(WriteOnItsWay(3));
+  bool whileSent = false, another = true;
+  AfterMs(25, [&] {
+    whileSent = WriteOnItsWay(2);
+    another = WriteOnItsWay(3);
+  });
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Stored);
+  EXPECT_TRUE(whileSent);
+  EXPECT_FALSE(another);
+  EXPECT_FALSE(WriteOnItsWay(2));
+}
+
 TEST_F(PostedWriteTest, ARefusedValueIsNone) {
   for (int byte : {2, 244}) {
     device->ClearAll();
