@@ -1,25 +1,15 @@
 // The queue on the machine's own clock: what a pass takes, what it costs, and the end.
 #include <signal.h>
 
-#include <algorithm>
 #include <ctime>
 #include <vector>
 
 #include "platform/contract.h"
 #include "platform/dialogs.h"
 #include "platform/loop.h"
+#include "support/leastof.h"
 
 namespace {
-
-// A machine that is busy elsewhere makes things last longer, never shorter: what must not take
-// longer than a limit is tried again, and the least disturbed round counts.
-template <typename Round>
-double LeastOf(double limit, Round round) {
-  constexpr int roundsAtMost = 50;
-  double least = round();
-  for (int i = 1; i < roundsAtMost && least >= limit; ++i) least = std::min(least, round());
-  return least;
-}
 
 class LoopQtTest : public ContractTest {
  protected:
