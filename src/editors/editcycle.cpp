@@ -144,7 +144,7 @@ void AfterRefused(Editor& editor, const EditorField& row) {
 
 void Refuse(Editor& editor, const EditorField& row, const std::string& message) {
   MsgBox(message, Buttons::Ok, row.refusalTitle);
-  if (StillUp(editor)) AfterRefused(editor, row);
+  if (IsUp(editor.screen)) AfterRefused(editor, row);
 }
 
 // Whether a text could have been typed, or is a number as the program writes it. The clipboard can
@@ -191,7 +191,7 @@ void Accept(Editor& editor, const EditorField& row, double entry) {
     StoreOrPost(editor, row, stored);
     if (row.accepted) row.accepted(editor, row, stored);
   }
-  if (!StillUp(editor)) return;
+  if (!IsUp(editor.screen)) return;
   reinit(editor);
   CalChanged = true;
   Redraw(editor);
@@ -329,7 +329,7 @@ void FocusField(Editor& editor, int number) {
 namespace {
 
 void RedrawAll(Editor& editor, Asked asked) {
-  if (!StillUp(editor)) return;
+  if (!IsUp(editor.screen)) return;
   if (editor.compute) editor.compute(editor);
   for (const EditorField& row : editor.fields) RedrawField(editor, row, asked);
   for (const EditorValue& row : editor.shown)
@@ -401,8 +401,6 @@ void StoreOrPost(Editor& editor, const EditorField& row, double stored) {
 
 // ---- coming and going ---------------------------------------------------------------------------
 
-bool StillUp(const Editor& editor) { return editor.screen.loaded && !editor.screen.closing; }
-
 Editor* TopEditor() {
   const Screen* top = TopWorkScreen();
   for (Editor* editor : loadedEditors)
@@ -456,7 +454,7 @@ void FocusButton(Screen& screen, const std::string& button) {
 }  // namespace
 
 void RunBack(Editor& editor) {
-  if (!StillUp(editor)) return;
+  if (!IsUp(editor.screen)) return;
   if (EntryPending == 1) {
     reinit(editor);
     return;

@@ -116,8 +116,6 @@ std::string TextOfField(const EditorField& row);
 // Closes this editor and opens another screen by its name. Nothing happens when nobody registered
 // it.
 void LeaveFor(Editor& editor, const std::string& screen);
-// The screen is loaded and not about to go.
-bool StillUp(const Editor& editor);
 // The editor on top, or null.
 Editor* TopEditor();
 

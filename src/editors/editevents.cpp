@@ -59,7 +59,7 @@ void ListEnter(Editor& editor, const EditorList& row, Control& control) {
   EntryPending = 0;
   Activate(editor, row);
   if (row.enter) row.enter(editor, row, control.listIndex);
-  if (StillUp(editor) && row.redrawsOnEnter) Redraw(editor);
+  if (IsUp(editor.screen) && row.redrawsOnEnter) Redraw(editor);
 }
 
 void ListKeyPress(Editor& editor, const EditorList& row, Control& control, KeyPress& press) {
@@ -83,7 +83,7 @@ bool PassesSilently(const EditorField& row, int character) {
 
 void RefuseCharacter(Editor& editor, const EditorField& row) {
   MsgBox(RangeMessage("  Retype Data"));
-  if (StillUp(editor)) GotFocusStep(editor, row);
+  if (IsUp(editor.screen)) GotFocusStep(editor, row);
 }
 
 void JudgeKey(Editor& editor, const EditorField& row, KeyPress& press) {
@@ -100,7 +100,7 @@ void JudgeKey(Editor& editor, const EditorField& row, KeyPress& press) {
     return;
   }
   if (character == KeyEscape) RunBack(editor);
-  if (StillUp(editor)) RefuseCharacter(editor, row);
+  if (IsUp(editor.screen)) RefuseCharacter(editor, row);
 }
 
 void KeyPressed(Editor& editor, Control& control, KeyPress& press) {
@@ -162,7 +162,7 @@ void ScreenKey(Editor& editor, KeyEvent& event) {
     return;
   }
   if (EntryPending == 0 && editor.keys) editor.keys(editor, event);
-  if (event.handled || !StillUp(editor)) return;
+  if (event.handled || !IsUp(editor.screen)) return;
   Control* control = FocusedControl(editor.screen);
   const EditorList* list = ListAt(editor, control);
   if (list && !event.alt && (event.key == KeyUp || event.key == KeyDown)) {

@@ -83,7 +83,7 @@ void StepValue(bool up) {
 
 // Nothing is left to draw when the session or the program has closed the graph behind a box.
 void Draw() {
-  if (!Graph3D.loaded || Graph3D.closing) return;
+  if (!IsUp(Graph3D)) return;
   GraphDims();
   PlotData();
   ShowFields();

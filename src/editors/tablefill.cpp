@@ -57,7 +57,7 @@ bool InRange(const EditorField& cell, float value) {
 std::optional<float> Ask(TableEditor& table, FillKind kind) {
   const EditorField& cell = table.rules.cell;
   const Question question = QuestionOf(table.rules.fill, kind);
-  while (StillUp(table.editor)) {
+  while (IsUp(table.editor.screen)) {
     const std::optional<float> value = SingleOf(InputBox(question.prompt, question.title));
     if (!value || InRange(cell, *value)) return value;
     MsgBox(RangeMessage(cell.rangeText()));
@@ -115,7 +115,7 @@ void FillTable(TableEditor& table, FillKind kind) {
   if (positions.empty()) return;
   if (kind != FillKind::Table) ColourCells(table, positions, true);
   const std::optional<float> value = Ask(table, kind);
-  if (!StillUp(table.editor)) return;
+  if (!IsUp(table.editor.screen)) return;
   ColourCells(table, positions, false);
   if (!value) return;
   WriteTexts(table, positions, NumberText(*value));

@@ -134,7 +134,7 @@ void ComErrorDialog() {
   helpfrm.title = "Halvane2  -  COM ERROR  " + NumberText(CommError);
   DialogChoice = 0;
   ShowScreen(helpfrm);
-  while (DialogChoice == 0 && !ProgramEnding() && helpfrm.loaded && !helpfrm.closing) Yield();
+  while (DialogChoice == 0 && !ProgramEnding() && IsUp(helpfrm)) Yield();
   if (DialogChoice == 0) DialogChoice = CancelSession;
   UnloadScreen(helpfrm);
 }

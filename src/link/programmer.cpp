@@ -227,8 +227,6 @@ bool HasCalibration() {
   return !CurrentBinPath.empty();
 }
 
-bool IsUp() { return Program_ZEM.loaded && !Program_ZEM.closing; }
-
 }  // namespace
 
 void StopProgramming() {
@@ -242,7 +240,7 @@ void programT() {
       UnloadScreen(Program_ZEM);
       return;
     }
-    while (IsUp() && ProgramOnce()) {
+    while (IsUp(Program_ZEM) && ProgramOnce()) {
     }
   } catch (const Failure& failure) {
     CleanUp();

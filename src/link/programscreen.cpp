@@ -87,12 +87,12 @@ void ProgramKey(Screen&, KeyEvent& event) {
 }
 
 void SetLabel(const char* name, std::string text) {
-  if (!Program_ZEM.loaded || Program_ZEM.closing) return;
+  if (!IsUp(Program_ZEM)) return;
   if (Control* label = Find(Program_ZEM, name)) SetCaption(*label, std::move(text));
 }
 
 void SetBar(std::int64_t value, std::int64_t maximum) {
-  if (!Program_ZEM.loaded || Program_ZEM.closing) return;
+  if (!IsUp(Program_ZEM)) return;
   SetValue(At(Program_ZEM, "Bar"), static_cast<int>(value), static_cast<int>(maximum));
 }
 
@@ -129,7 +129,7 @@ void ShowRecord(int record, int pass, std::int64_t position, std::int64_t length
 void ShowResult(bool verified) {
   SetLabel("Result", verified ? "*************** PROGRAM VERIFIED ***************"
                               : "*************** CHECKSUM ERROR ***************");
-  if (!Program_ZEM.loaded || Program_ZEM.closing) return;
+  if (!IsUp(Program_ZEM)) return;
   SetForeColour(At(Program_ZEM, "Result"), verified ? Green : Red);
   if (verified) SetBar(100, 100);
 }

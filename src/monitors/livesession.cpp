@@ -48,7 +48,7 @@ LiveRun run;
 
 bool ScreenUp() {
   const Screen& screen = *run.monitor->screen;
-  return screen.loaded && !screen.closing && screen.life == run.life;
+  return IsUp(screen) && screen.life == run.life;
 }
 
 bool Stopped() { return MonitorStop == 1 || ProgramEnding() || !ScreenUp(); }

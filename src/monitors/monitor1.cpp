@@ -170,7 +170,7 @@ void Prepare() {
 
 void ShowLoadedProgram() {
   const auto program = QueryLoadedProgram();
-  if (!Monitor1.loaded || Monitor1.closing) return;
+  if (!IsUp(Monitor1)) return;
   SetCaption(At(Monitor1, "BinName"),
              program ? program->binName + ".BIN" : "BIN File Not Available");
   SetCaption(At(Monitor1, "PromVersion"), program ? "HV" + program->promVersion : "");

@@ -115,7 +115,7 @@ bool RefusedAsFraction(Screen& screen, Control& control, const OffsetField& row)
   if (*row.mask || control.text.find('.') == std::string::npos) return false;
   const unsigned life = screen.life;
   MsgBox(std::string("  Data Input Error\n\r") + row.wholeText);
-  if (screen.loaded && !screen.closing && screen.life == life) TakeBack(control);
+  if (IsUp(screen) && screen.life == life) TakeBack(control);
   return true;
 }
 

@@ -18,7 +18,7 @@ struct ScreenCall {
 // it, and even loaded it anew with other controls.
 struct Watch {
   explicit Watch(const Screen& watched) : screen(watched), life(watched.life) {}
-  bool Alive() const { return screen.loaded && !screen.closing && screen.life == life; }
+  bool Alive() const { return IsUp(screen) && screen.life == life; }
   const Screen& screen;
   unsigned life;
 };

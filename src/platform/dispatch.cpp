@@ -114,7 +114,7 @@ void ShowInErrorBox(const Failure& failure) {
 
 void CallChange(Control& control) {
   Screen& screen = *control.owner;
-  if (screen.loaded && !screen.closing) CallScreen(screen, screen.on.change, control);
+  if (IsUp(screen)) CallScreen(screen, screen.on.change, control);
 }
 
 void CallClick(Control& control) {

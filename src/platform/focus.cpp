@@ -79,7 +79,7 @@ bool IsTabStop(const Control& control) {
 
 // Nobody has the focus, or somebody who can no longer have it.
 void Resettle(Screen& screen) {
-  if (!screen.visible || !screen.loaded || screen.closing || screen.focusMoving) return;
+  if (!screen.visible || !IsUp(screen) || screen.focusMoving) return;
   Control* from = screen.focus;
   if (!from) {
     SettleFocus(screen);

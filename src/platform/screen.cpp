@@ -121,7 +121,7 @@ bool IsUsable(const Control& control) {
 // ---- life -------------------------------------------------------------------------------------
 
 void LoadScreen(Screen& screen) {
-  if (screen.loaded && !screen.closing) return;
+  if (IsUp(screen)) return;
   if (screen.closing) {
     if (screen.visible) TakeAway(screen);
     Release(screen);
@@ -147,7 +147,7 @@ void LoadScreen(Screen& screen) {
 void ShowScreen(Screen& screen) {
   ScreenCall call(screen);
   LoadScreen(screen);
-  if (screen.closing || !screen.loaded) return;
+  if (!IsUp(screen)) return;
   Forget(shownOrder, screen);
   shownOrder.push_back(&screen);
   screen.visible = true;
@@ -186,7 +186,7 @@ void HideScreen(Screen& screen) {
 }
 
 void UnloadScreen(Screen& screen) {
-  if (!screen.loaded || screen.closing) return;
+  if (!IsUp(screen)) return;
   ScreenCall call(screen);
   screen.closing = true;
   Forget(loadedScreens, screen);
@@ -202,6 +202,8 @@ void UnloadScreen(Screen& screen) {
 void UnloadAllScreens() {
   while (!loadedScreens.empty()) UnloadScreen(*loadedScreens.back());
 }
+
+bool IsUp(const Screen& screen) { return screen.loaded && !screen.closing; }
 
 Screen* ActiveScreen() { return activeOrder.empty() ? nullptr : activeOrder.back(); }
 

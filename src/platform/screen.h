@@ -177,6 +177,8 @@ void HideScreen(Screen& screen);
 // to the front again.
 void UnloadScreen(Screen& screen);
 void UnloadAllScreens();  // last loaded first
+// Whether it is loaded, and not being unloaded.
+bool IsUp(const Screen& screen);
 // The screen that has the keys, or null. The frame has them when there is none.
 Screen* ActiveScreen();
 // The Work screen on top, whatever is above it, or null.

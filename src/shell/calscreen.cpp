@@ -124,7 +124,7 @@ std::span<const CalibrationRow> CalibrationRows() { return rows; }
 
 void ShowCalibrationScreen(std::string_view openedScreen) {
   GoTo("CSForm1");
-  if (!CSForm1.loaded || CSForm1.closing) return;
+  if (!IsUp(CSForm1)) return;
   for (const CalibrationRow& row : rows)
     if (!openedScreen.empty() && row.button.action.screen == openedScreen)
       SetFocus(At(CSForm1, row.button.name));

@@ -98,12 +98,12 @@ std::span<const ButtonRow> MainMenuRows() { return rows; }
 
 void ShowMainMenu(std::string_view focus) {
   GoTo("Form1");
-  if (!Form1.loaded || Form1.closing) return;
+  if (!IsUp(Form1)) return;
   if (Control* button = Find(Form1, focus)) SetFocus(*button);
 }
 
 void RefreshMainMenu() {
-  if (Form1.loaded && !Form1.closing) RefreshButtons(Form1, rows);
+  if (IsUp(Form1)) RefreshButtons(Form1, rows);
 }
 
 void ShowGeneralHelp() {

@@ -18,7 +18,7 @@ namespace {
 std::vector<Screen*> WorkInSight() {
   std::vector<Screen*> screens;
   for (Screen* screen : LoadedScreens())
-    if (screen->placement == ScreenPlacement::Work && screen->visible && !screen->closing)
+    if (screen->placement == ScreenPlacement::Work && screen->visible && IsUp(*screen))
       screens.push_back(screen);
   return screens;
 }
@@ -50,7 +50,7 @@ void CloseActiveScreen() {
 void GoTo(std::string_view name) {
   if (!ScreenRegistered(name)) return;
   Screen* top = TopWorkScreen();
-  if (top && top->name == name && !top->closing) {
+  if (top && top->name == name && IsUp(*top)) {
     ShowScreen(*top);
     return;
   }

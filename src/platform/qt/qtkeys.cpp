@@ -199,7 +199,7 @@ bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
     event.accept();
     return true;
   }
-  if (!screen || !screen->loaded || screen->closing) return false;
+  if (!screen || !IsUp(*screen)) return false;
   // A field would type the letter.
   if (IsMarkedLetter(key)) return true;
   bool changed = before != 0 && (key.character != before || IsDecimalComma(event));
