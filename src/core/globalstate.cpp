@@ -17,7 +17,7 @@ bool UseDialogName = false;
 bool CalChanged = false;
 float OpenedEgoAuthority = 0;
 
-int MonitorMode = 0;
+int MonitorMode = NothingLive;
 int ComPort = 1;
 int ScreenClass = 1;
 int QuickStart = -1;
@@ -91,7 +91,7 @@ void ResetFileState() {
 }
 
 void ResetRunState() {
-  MonitorMode = 0;
+  MonitorMode = NothingLive;
   ComPort = 1;
   ScreenClass = 1;
   QuickStart = -1;

@@ -45,8 +45,12 @@ extern float OpenedEgoAuthority;
 
 // ---- The run ------------------------------------------------------------------------------------
 
-// What is live: 0 nothing, 1 Monitor1, 2 PC data logging, 3 an ONFLY session. Starts as 0.
+// What is live. Starts as NothingLive.
 extern int MonitorMode;
+inline constexpr int NothingLive = 0;
+inline constexpr int Monitor1Live = 1;
+inline constexpr int LoggingLive = 2;
+inline constexpr int OnflyLive = 3;
 // The serial port in use, 1 to 4. Starts as 1; the main menu reads it from the settings.
 extern int ComPort;
 // Class of the screen width, 1 to 4, or the width itself when it is none of the known. Starts as 1.

@@ -18,7 +18,6 @@ constexpr std::size_t optionBits = 0;
 constexpr std::size_t injectorOffset = 2;
 constexpr std::size_t firingInterval = 233;
 constexpr std::size_t minimumTurnOn = 344;
-constexpr int onflySession = 3;
 
 InjectorTimes times;
 
@@ -42,7 +41,7 @@ void StoreOffset(double stored) { CalValues[injectorOffset] = static_cast<float>
 
 // In a session the offset also goes out as a run-time offset, which acts at once.
 void OffsetAccepted(Editor&, const EditorField&, double stored) {
-  if (MonitorMode != onflySession) return;
+  if (MonitorMode != OnflyLive) return;
   StoreOffset(stored);
   OnInjOffset = stored;
   PendInj = 1;

@@ -25,7 +25,6 @@ std::function<bool(std::string_view topic)> ShowHelpTopic;
 namespace {
 
 constexpr Colour highlight = White;
-constexpr int onflySession = 3;
 
 std::vector<Editor*> loadedEditors;  // in the order of loading
 
@@ -33,7 +32,7 @@ bool HasOnflyPath(const EditorField& row) { return row.imageByte != NoImageByte;
 
 Colour RestColour(Editor& editor, const EditorField& row) {
   if (editor.fieldColour) return editor.fieldColour(editor, row);
-  return HasOnflyPath(row) && MonitorMode == onflySession ? Yellow : SystemWindow;
+  return HasOnflyPath(row) && MonitorMode == OnflyLive ? Yellow : SystemWindow;
 }
 
 void ColourLabel(Editor& editor, const std::string& label, Colour colour) {
@@ -108,7 +107,7 @@ void RedrawPair(Editor& editor, const EditorPair& row) {
 // A session may have begun or ended since.
 void RedrawButton(Editor& editor, const EditorButton& row) {
   const bool reachable = row.opens.empty() || ScreenRegistered(row.opens);
-  const bool offNow = row.offInOnflySession && MonitorMode == onflySession;
+  const bool offNow = row.offInOnflySession && MonitorMode == OnflyLive;
   SetEnabled(At(editor.screen, row.control), reachable && !offNow);
   if (Control* picture = Find(editor.screen, row.control + "Picture"))
     SetEnabled(*picture, reachable && !offNow);
@@ -387,11 +386,11 @@ void EnterText(Editor& editor, const EditorField& row, const std::string& text) 
 }
 
 bool OnlyConfirms(const Editor& editor, int calIndex) {
-  return MonitorMode == onflySession && !editor.typed && WriteOnItsWay(calIndex);
+  return MonitorMode == OnflyLive && !editor.typed && WriteOnItsWay(calIndex);
 }
 
 void StoreOrPost(Editor& editor, const EditorField& row, double stored) {
-  if (MonitorMode == onflySession && HasOnflyPath(row))
+  if (MonitorMode == OnflyLive && HasOnflyPath(row))
     Post(row, stored);
   else if (row.store)
     row.store(editor, row, stored);

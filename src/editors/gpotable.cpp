@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int onflySession = 3;
 constexpr std::size_t gpoMode = 491;     // 0 is the table
 constexpr std::size_t gpoControl = 498;  // 0 is this screen
 constexpr int frequencyValue = 325;
@@ -25,7 +24,7 @@ int DutyByte(double percent) { return static_cast<int>(RoundEven(255 * percent /
 
 void CellAccepted(Editor&, const EditorField&, double) {
   CalValues[gpoMode] = 0;
-  if (MonitorMode != onflySession) CalValues[gpoControl] = 0;
+  if (MonitorMode != OnflyLive) CalValues[gpoControl] = 0;
 }
 
 EditorField Cell() {
@@ -56,7 +55,7 @@ int FrequencyIndex() {
 }
 
 void StoreFrequency(int divisor) {
-  if (MonitorMode == onflySession) {
+  if (MonitorMode == OnflyLive) {
     BinImage[frequencyByte] = static_cast<std::int16_t>(divisor);
     PostWrite(frequencyValue, divisor, frequencyByte, 1);
     return;
@@ -92,7 +91,7 @@ EditorList FrequencyList() {
 
 void Drawn(TableEditor& table) {
   SetBackColour(At(table.editor.screen, frequencyList),
-                MonitorMode == onflySession ? Yellow : SystemWindow);
+                MonitorMode == OnflyLive ? Yellow : SystemWindow);
 }
 
 TableRules Rules() {

@@ -22,7 +22,6 @@ namespace {
 constexpr int LastCursorColumn = 11;
 constexpr int LastCursorRow = 10;
 constexpr int FirstBreakpointColumn = FirstTableColumn;
-constexpr int onflySession = 3;
 
 // What belongs to each table, in the order of TableKind: where + and - write, where Back goes, and
 // whether the graph may be used beside the analog monitor and the logger.
@@ -214,7 +213,8 @@ void Resized(Screen&, Control&) {
 }  // namespace
 
 bool GraphRefused(int table) {
-  const bool live = RowOf(table).besideLogging ? MonitorMode == onflySession : MonitorMode != 0;
+  const bool live =
+      RowOf(table).besideLogging ? MonitorMode == OnflyLive : MonitorMode != NothingLive;
   if (live) MsgBox("This Process is Unavailable while ONFLY Monitoring is Active.");
   return live;
 }

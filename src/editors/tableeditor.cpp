@@ -13,7 +13,6 @@ int SelectedCell = 1;
 
 namespace {
 
-constexpr int onflySession = 3;
 constexpr int firstSpeed = 44;  // CalValues in front of the breakpoints
 constexpr int firstLoad = 52;
 constexpr Colour selectedAxis = White;
@@ -60,9 +59,9 @@ void RestoreText(Editor& editor, const EditorField& row) {
 Colour ColourAt(TableEditor& table, const EditorField& row) {
   const TableGrid& grid = table.rules.grid;
   if (!IsPosition(table, row))
-    return row.imageByte != NoImageByte && MonitorMode == onflySession ? Yellow : SystemWindow;
+    return row.imageByte != NoImageByte && MonitorMode == OnflyLive ? Yellow : SystemWindow;
   if (CellAt(grid, row.number))
-    return MonitorMode == onflySession && IsEditable(table) ? Yellow : SystemButtonFace;
+    return MonitorMode == OnflyLive && IsEditable(table) ? Yellow : SystemButtonFace;
   const bool selected = row.number == ColumnAt(grid, SelectedCell) ||
                         row.number == PositionAt(grid, RowAt(grid, SelectedCell), 0);
   return selected && CellAt(grid, SelectedCell) ? selectedAxisField : SystemWindow;

@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "core/globalstate.h"
 #include "core/numbers.h"
 #include "core/settings.h"
 #include "platform/dialogs.h"
@@ -18,7 +19,7 @@ bool PortHeld = false;
 float CommError = 0;
 float OnflyFault = 0;
 int MonitorStop = 0;
-int SessionMode = 0;
+int SessionMode = NothingLive;
 int DialogChoice = 0;
 std::string PortTrouble;
 void (*RefreshStatusLine)() = [] {};
@@ -167,7 +168,7 @@ void ResetLinkState() {
   CommError = 0;
   OnflyFault = 0;
   MonitorStop = 0;
-  SessionMode = 0;
+  SessionMode = NothingLive;
   DialogChoice = 0;
   PortTrouble.clear();
 }

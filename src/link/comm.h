@@ -89,8 +89,7 @@ extern float CommError;
 extern float OnflyFault;
 // 0 while a live loop may run, 1 when the user has asked it to stop. Starts as 0.
 extern int MonitorStop;
-// MonitorMode of the live session that runs, from its start to its release; 0 without one. Starts
-// as 0.
+// MonitorMode of the live session that runs, from its start to its release. Starts as NothingLive.
 extern int SessionMode;
 // The answer of ComErrorDialog: 0 while it is open. Starts as 0.
 extern int DialogChoice;

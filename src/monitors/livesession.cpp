@@ -379,7 +379,7 @@ void Begin(const LiveMonitor& monitor) {
 // Result: whether an entry of the user was lost.
 bool Finish() {
   MonitorStop = 1;
-  MonitorMode = SessionMode = 0;
+  MonitorMode = SessionMode = NothingLive;
   if (ScreenUp()) UnloadScreen(*run.monitor->screen);
   ForgetAge();
   ReleaseLine();

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/globalstate.h"
 #include "link/comm.h"
 #include "platform/screen.h"
 
@@ -25,7 +26,7 @@ enum class AfterCommands { RequestFrame, BeginPassAgain };
 // Each may be null, but send and show. Only opened and send may yield.
 struct LiveMonitor {
   Screen* screen = nullptr;
-  int mode = 0;                       // MonitorMode while it runs
+  int mode = NothingLive;             // MonitorMode while it runs
   WaitRule frameWait = WaitForFrame;  // of one "F"
   std::string_view modeLine;          // of the menu bar while it runs
   bool leavesKeysToEditor = false;    // an editor that has the keys keeps them when it is shown

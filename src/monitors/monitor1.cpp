@@ -213,7 +213,7 @@ void SessionIsOver(SessionOver why) {
 
 constexpr LiveMonitor monitor = {
     .screen = &Monitor1,
-    .mode = 1,
+    .mode = Monitor1Live,
     .frameWait = WaitForFrame,
     .modeLine = "                Brantwell Engine Controls         MONITOR MODE",
     .refused = [] { ReturnToMainMenu(); },

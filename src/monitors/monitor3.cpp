@@ -134,11 +134,11 @@ void SessionIsOver(SessionOver why) {
 
 constexpr LiveMonitor monitor = {
     .screen = &Monitor3,
-    .mode = 3,
+    .mode = OnflyLive,
     .frameWait = WaitForOnflyFrame,
     .modeLine = "                Brantwell Engine Controls         ONFLY MODE",
     .leavesKeysToEditor = true,
-    .refused = [] { MonitorMode = 0; },
+    .refused = [] { MonitorMode = NothingLive; },
     .prepare = Prepare,
     .send = SendCommands,
     .decoded = [] { ShowStatus("ONFLY IDLE", Green); },

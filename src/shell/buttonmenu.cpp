@@ -80,7 +80,7 @@ void AddButtons(Screen& screen, std::span<const ButtonRow> rows) {
 
 void RefreshButtons(Screen& screen, std::span<const ButtonRow> rows) {
   for (const ButtonRow& row : rows) {
-    const bool off = row.offWhileOnfly && MonitorMode == 3;
+    const bool off = row.offWhileOnfly && MonitorMode == OnflyLive;
     if (Control* button = Find(screen, row.name)) SetEnabled(*button, IsReady(row.action) && !off);
   }
 }

@@ -82,7 +82,7 @@ std::string_view MonitorOfSetting() {
 
 void ShowMenuBesideMonitor() {
   if (!TopWorkScreen()) ShowMainMenu("ViewMonitor");
-  MonitorMode = 3;
+  MonitorMode = OnflyLive;
   RefreshMainMenu();
 }
 

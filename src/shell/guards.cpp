@@ -6,7 +6,7 @@
 #include "platform/dialogs.h"
 
 bool RefusedWhileLive() {
-  if (MonitorMode == 0) return false;
+  if (MonitorMode == NothingLive) return false;
   MsgBox("This Process is Unavailable while ONFLY Monitoring is Active.");
   return true;
 }

@@ -120,7 +120,7 @@ bool HandleHotKey(KeyEvent& event, const HotKeyRules& rules) {
 
 void SaveAndProgram() {
   if (!request.expired()) return;
-  if (MonitorMode == 3) UnloadNamed("Monitor3");
+  if (MonitorMode == OnflyLive) UnloadNamed("Monitor3");
   CloseActiveScreen();
   if (!SessionGoesOn()) {
     AskForProgramming();
