@@ -43,7 +43,8 @@ struct SerialControl {
   void OutputByte(int byte);
   // Takes up to InputLen unread bytes; meant for the receive event.
   std::vector<std::uint8_t> Input();
-  // Forgets what is unread, also what has come and was not told yet.
+  // Forgets what is unread, also what has come and was not told yet: a byte that came late must not
+  // stand in front of the next answer, whose bytes count by their places.
   void DropInput();
 
   // Kept by the control.

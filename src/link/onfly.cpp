@@ -327,15 +327,11 @@ bool SendOpeningOffsets() {
   return CommError == 0;
 }
 
-// What came late to a command before must not stand in front of the read-back, whose bytes count by
-// their places: every try would find it shifted by as much.
-void DropLateAnswers() { MSComm1.DropInput(); }
-
 bool TryOpening(const OnflySession& session) {
   constexpr WaitRule waitAfterClear{32721, 1, WaitTest::Equal};
-  DropLateAnswers();
+  MSComm1.DropInput();
   if (!AllowLoopControl()) return false;
-  DropLateAnswers();
+  MSComm1.DropInput();
   getgama();
   if (CommError != 0 || LoopMustEnd()) return false;
   cleartdc();

@@ -113,10 +113,6 @@ void ShowMonitorScreen() {
 
 enum class Step { Go, Stop, Failed };
 
-// Between two exchanges nothing may be unread: a byte that came late would stand in front of the
-// next frame, and shift every frame after it.
-void DropLateBytes() { MSComm1.DropInput(); }
-
 // A kill that waits behind a command goes out before the session is given up. None is left for a
 // later session, whose engine the user wants to run.
 void SendKillAskedFor() {
@@ -138,7 +134,7 @@ void SendKillIfOverdue() {
 
 AfterCommands SendCommands() {
   run.commandRuns = true;
-  DropLateBytes();
+  MSComm1.DropInput();
   SendKillAskedFor();
   const AfterCommands after = run.monitor->send();
   run.commandRuns = false;
@@ -149,7 +145,7 @@ AfterCommands SendCommands() {
 void RequestFrame() {
   MSComm1.RThreshold = static_cast<int>(LiveFrameLength);
   MSComm1.InputLen = 0;
-  DropLateBytes();
+  MSComm1.DropInput();
   RxBuffer.clear();
   MSComm1.Output("F");
   ShowHeldFrame();
@@ -289,7 +285,7 @@ Step RunSession() {
     step = RunPass();
     if (step != Step::Failed || CommError == 0) continue;
     run.commandRuns = true;
-    DropLateBytes();
+    MSComm1.DropInput();
     step = StepOf(ReopenOnflySession(run.session));
     if (step == Step::Go) Call(run.monitor->reopened);
   }
@@ -314,7 +310,7 @@ void ForgetAge() {
 // Nothing of the session is on the line any more when the port closes.
 void ReleaseLine() {
   WaitForQuietLine();
-  DropLateBytes();
+  MSComm1.DropInput();
   SendKillAskedFor();
   GiveBackLoopControl();
   MSComm1.Close();
