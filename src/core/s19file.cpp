@@ -10,11 +10,9 @@
 
 namespace {
 
-constexpr unsigned imageAddress = 0xB600;
 constexpr std::size_t imageBytes = 512;
 constexpr std::size_t recordBytes = 16;
 constexpr unsigned addressAndChecksumBytes = 3;  // they count in a record's length
-constexpr const char* endRecord = "S9030000FC";
 constexpr const char* lineEnd = "\r\n";
 
 }  // namespace
@@ -38,9 +36,10 @@ std::string S19Text(const std::array<std::int16_t, 513>& image) {
   const std::span<const std::int16_t> bytes(image);
   std::string text;
   for (std::size_t at = 0; at < imageBytes; at += recordBytes)
-    text += S1Record(imageAddress + static_cast<unsigned>(at), bytes.subspan(at, recordBytes)) +
-            lineEnd;
-  return text + endRecord + lineEnd;
+    text +=
+        S1Record(CalibrationAddress + static_cast<unsigned>(at), bytes.subspan(at, recordBytes)) +
+        lineEnd;
+  return text.append(S9Record).append(lineEnd);
 }
 
 std::string S19Path(const std::string& binPath) {

@@ -21,7 +21,6 @@ namespace {
 constexpr WaitRule waitForOpening{32767, 0.1, WaitTest::AtLeast};
 constexpr WaitRule waitForRecord{10000, 1, WaitTest::Equal};
 constexpr WaitRule waitForEnd{32767, 1, WaitTest::Equal};
-constexpr std::string_view endRecord = "S9030000FC";
 
 // Why a write was refused: 11 at the opening, 12 at the record, 13 at its end or by an old PROM.
 constexpr float faultOpening = 11;
@@ -80,7 +79,7 @@ void SendRecord(const std::string& record) {
 }
 
 void SendEndRecord() {
-  for (char character : endRecord) MSComm1.Output(std::string_view(&character, 1));
+  for (char character : S9Record) MSComm1.Output(std::string_view(&character, 1));
   RxBuffer.clear();
   Yield();
 }
@@ -191,14 +190,13 @@ Transfer Disown() {
 }  // namespace
 
 std::string OnflyRecord(int index, int count) {
-  constexpr unsigned imageAddress = 0xB600;
   std::array<std::int16_t, 2> bytes{};
   for (int i = 0; i < count; ++i) {
     const int byte = ElementAt<std::int16_t>(std::span(BinImage).first<512>(), index + i);
     if (byte < 0 || byte > 255) RaiseFailure(FailureOverflow);
     ElementAt<std::int16_t>(bytes, i) = static_cast<std::int16_t>(byte);
   }
-  return S1Record(imageAddress + static_cast<unsigned>(index),
+  return S1Record(CalibrationAddress + static_cast<unsigned>(index),
                   std::span(bytes).first(static_cast<std::size_t>(count)));
 }
 
