@@ -15,7 +15,6 @@ constexpr std::size_t curveRatios = 425;
 constexpr std::array<float, 20> defaultCurve = {0,      0.45F, 0.65F, 1.6F,  2.5F,   4.0F,  4.2F,
                                                 4.62F,  4.8F,  5.0F,  22.4F, 15.89F, 14.9F, 14.72F,
                                                 14.64F, 14.3F, 13.8F, 12.6F, 11.2F,  10.0F};
-constexpr float stoichiometric = 14.64F;
 
 // A file always ends in MAP mode, whatever it says of the load sensor.
 void TakeLoadSensor() {
@@ -24,7 +23,7 @@ void TakeLoadSensor() {
   LoadMode = "MAP";
   const double bar = Int(CalValues[459]);
   if (bar >= 1 && bar <= 4) MapBar = static_cast<int>(bar);
-  MapFullScale = MapBar * 104;
+  MapFullScale = static_cast<int>(SensorHighKpa());
 }
 
 bool CurveIsSound() {
@@ -38,9 +37,7 @@ void FixEgoCurve() {
 }
 
 void FixAirFuelTable() {
-  std::replace_if(
-      &CalValues[345], &CalValues[409], [](float ratio) { return ratio < 9.76F || ratio > 29.28F; },
-      stoichiometric);
+  std::transform(&CalValues[345], &CalValues[409], &CalValues[345], LimitedAirFuel);
 }
 
 void FixIdleSpeeds() {

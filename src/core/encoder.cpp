@@ -15,7 +15,6 @@ namespace {
 
 constexpr int highestByte = 255;
 constexpr int matSensorBit = 128;
-constexpr double stoichiometric = 14.64;
 
 // Image bytes of one element, before the final pass.
 struct ByteGroup {
@@ -78,14 +77,8 @@ ByteGroup EightDotEight(double ms) {
   return {2, {whole, fraction}};
 }
 
-bool IsOutsideAirFuel(float ratio) { return ratio < 9.76F || ratio > 29.28F; }
-
-float LimitedAirFuel(float ratio) {
-  return IsOutsideAirFuel(ratio) ? static_cast<float>(stoichiometric) : ratio;
-}
-
 int AirFuel(double ratio, double factor) {
-  return ToInt16(Fix((stoichiometric / ratio - 0.5) * factor));
+  return ToInt16(Fix((StoichiometricRatio / ratio - 0.5) * factor));
 }
 
 // The ADC count at which a temperature sensor reads the temperature; counts past the end of the
@@ -207,7 +200,7 @@ CurveList CurveRatios() {
   CurveList ratios{};
   for (std::size_t i = 0; i < curvePoints; ++i) {
     const double ratio = CalValues[425 + i];
-    const int counts = ToInt16(Fix(256 - (stoichiometric / ratio - 0.5) * 255));
+    const int counts = ToInt16(Fix(256 - (StoichiometricRatio / ratio - 0.5) * 255));
     ratios[i] = std::min(counts, highestByte);
   }
   return ratios;
@@ -310,6 +303,11 @@ int FirstByte(const MapRow& row, int calIndex, int count) {
 }
 
 }  // namespace
+
+float LimitedAirFuel(float ratio) {
+  const bool outside = ratio < 9.76F || ratio > 29.28F;
+  return outside ? static_cast<float>(StoichiometricRatio) : ratio;
+}
 
 void EncodeCalibration() {
   for (const MapRow& row : CalibrationMap()) PutRow(row);

@@ -15,6 +15,14 @@ void EncodeCalibration();
 // MapFullScale from MapBar. Does not fail, whatever CalValues hold. MaxManifoldKpa is left alone.
 void PublishCalGlobals();
 
+// The span in kPa of the MAP sensor that is set (MapBar).
+double SensorLowKpa();
+double SensorHighKpa();
+
+// A breakpoint of load is stored for a sensor of 1 bar: what makes it the one that is set. 1 in MAF
+// mode.
+double LoadScale();
+
 // Derives the injector pulse widths at idle load, full load and rev limit. Does not fail; a rev
 // limit of 0 gives an infinite on-time.
 void ComputeInjectorLimits();
@@ -37,6 +45,11 @@ struct EncodedParameter {
 // nothing when the element has no image byte of its own (the EGO curve counts as such; the GPO
 // parameters are those of the GPO mode in force). Changes nothing. Fails as EncodeCalibration does.
 std::optional<EncodedParameter> EncodeParameter(int calIndex, float value);
+
+// Air to petrol by mass, as the air/fuel bytes of image and live frame count it.
+inline constexpr double StoichiometricRatio = 14.64;
+// The ratio itself, or the one above for a ratio that the control unit does not know.
+float LimitedAirFuel(float ratio);
 
 // The first byte of EncodeParameter. Fails with a subscript failure (9) when there is none.
 int EncodedByte(int calIndex, float value);

@@ -7,11 +7,13 @@
 
 namespace {
 
+// What a MAP sensor measures for each bar of its range.
+constexpr int lowKpaPerBar = 10;
+constexpr int highKpaPerBar = 104;
+
 constexpr std::size_t breakpoints = 8;
 constexpr std::size_t firstRow = 2;  // of an 8 by 8 table in its grid
 constexpr std::size_t firstColumn = 4;
-
-double LoadScale() { return LoadMode == "MAP" ? MapBar : 1; }
 
 void FillTable(WorkGrid& grid, std::size_t firstValue) {
   for (std::size_t k = 0; k < breakpoints * breakpoints; ++k)
@@ -31,9 +33,13 @@ void FillVeTable() {
 
 }  // namespace
 
+double SensorLowKpa() { return MapBar * lowKpaPerBar; }
+double SensorHighKpa() { return MapBar * highKpaPerBar; }
+double LoadScale() { return LoadMode == "MAP" ? MapBar : 1; }
+
 void PublishCalGlobals() {
-  MapFullScale = MapBar * 104;
-  MapLow = static_cast<float>(MapBar * 10);
+  MapFullScale = static_cast<int>(SensorHighKpa());
+  MapLow = static_cast<float>(SensorLowKpa());
   MapHigh = static_cast<float>(MapFullScale);
   WorkRevLimit = CalValues[4];
   WorkCylinders = CalValues[217];
@@ -51,8 +57,8 @@ void PublishCalGlobals() {
 
 void ComputeInjectorLimits() {
   const int bar = MapBar >= 1 && MapBar <= 3 ? MapBar : 4;
-  LimitLowKpa = 10 * bar;
-  LimitHighKpa = 104 * bar;
+  LimitLowKpa = lowKpaPerBar * bar;
+  LimitHighKpa = highKpaPerBar * bar;
   IdleLoadKpa = 70;
   const double offset = CalValues[2];
   const double gama = CalValues[232];

@@ -1,6 +1,7 @@
 // The rules of Ign_adv_tbl: cells, both axes and the initial advance.
 #include "editors/advancetable.h"
 
+#include "core/encoder.h"
 #include "core/numbers.h"
 #include "editors/tableeditor.h"
 #include "shell/calscreen.h"
@@ -23,11 +24,8 @@ std::string AxisRefusal(const std::string& range, const std::string& order) {
 
 std::string SpeedRefusal() { return AxisRefusal("0 to 12000 RPM", "Left to Right"); }
 
-double LeastLoad() { return MapBar * 10; }
-double MostLoad() { return MapBar * 104; }
-
 std::string LoadRefusal() {
-  return AxisRefusal(NumberText(LeastLoad()) + " to " + NumberText(MostLoad()) + " kPa",
+  return AxisRefusal(NumberText(SensorLowKpa()) + " to " + NumberText(SensorHighKpa()) + " kPa",
                      "Bottom to Top");
 }
 
@@ -58,8 +56,8 @@ EditorField SpeedAxis() {
 
 // The message speaks of an order that nothing tests.
 EditorField LoadAxis() {
-  return {.low = LeastLoad,
-          .high = MostLoad,
+  return {.low = SensorLowKpa,
+          .high = SensorHighKpa,
           .refusal = LoadRefusal,
           .refusalTitle = axisTitle,
           .toStored = PerBar,

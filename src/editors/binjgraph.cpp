@@ -23,11 +23,8 @@ InjectorTimes times;
 
 // ---- fields -------------------------------------------------------------------------------------
 
-double LowKpa() { return MapBar * 10; }
-double HighKpa() { return MapBar * 104; }
-
 std::string PressureRange() {
-  return "  (" + NumberText(LowKpa()) + " to " + NumberText(HighKpa()) + " kPa)";
+  return "  (" + NumberText(SensorLowKpa()) + " to " + NumberText(SensorHighKpa()) + " kPa)";
 }
 
 double ToEighths(double entry) { return RoundInjectorOffset(entry).ms; }
@@ -117,8 +114,8 @@ EditorField ManifoldPressureField() {
           .caption = "Max Manifold &Pressure (kPa) =",
           .unit = "kPa",
           .mask = "##0",
-          .low = LowKpa,
-          .high = HighKpa,
+          .low = SensorLowKpa,
+          .high = SensorHighKpa,
           .rangeText = PressureRange,
           .afterRefusal = AfterRefusal::MessageOnly,
           .show = [](const EditorField&) { return NumberText(MaxManifoldKpa); },

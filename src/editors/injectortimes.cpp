@@ -3,13 +3,13 @@
 
 #include <cmath>
 
+#include "core/encoder.h"
 #include "core/globalstate.h"
 #include "core/numbers.h"
 
 namespace {
 
 constexpr double msPerMinute = 60000;
-constexpr double kpaPerBar = 104;
 
 double TimeBetweenInjections() {
   const double everyEvents = msPerMinute / static_cast<double>(WorkRevLimit) * FiringInterval;
@@ -30,7 +30,7 @@ InjectorTimes ComputeInjectorTimes() {
   times.revTime = TimeBetweenInjections();
   times.revLimitMaxPw = times.revTime - InjectorRecoveryMs;
   times.maxControllableTog =
-      times.revTime / (manifold / (MapBar * kpaPerBar)) - InjectorRecoveryMs - iot;
+      times.revTime / (manifold / SensorHighKpa()) - InjectorRecoveryMs - iot;
   return times;
 }
 

@@ -83,7 +83,7 @@ void MarkAxes(TableEditor& table) {
 }
 
 void DrawAxisTexts(TableEditor& table) {
-  const double scale = LoadMode == "MAP" ? MapBar : 1;
+  const double scale = LoadScale();
   for (std::size_t i = 1; i <= TableSide; ++i) {
     if (Control* caption = table.rpmCaptions[i])
       SetCaption(*caption, NumberText(CalValues[firstSpeed + i]));
@@ -242,5 +242,5 @@ void RefreshWork(TableEditor& table) {
 }
 
 std::string LoadRangeText() {
-  return "(" + NumberText(MapBar * 10) + " to " + NumberText(MapBar * 104) + " kPa)";
+  return "(" + NumberText(SensorLowKpa()) + " to " + NumberText(SensorHighKpa()) + " kPa)";
 }

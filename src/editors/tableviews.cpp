@@ -1,6 +1,8 @@
 // The working views of the four tables.
 #include "editors/tableviews.h"
 
+#include "core/encoder.h"
+
 int SelectedTable = TableVe;
 int VeView = 0;
 WorkGrid TableWork{};
@@ -13,7 +15,6 @@ constexpr int FirstLoadValue = 53;  // for a sensor of 1 bar
 
 constexpr int LastRow = 10;     // margin above the highest load
 constexpr int LastColumn = 12;  // margin at the rev limit
-constexpr float StoichiometricRatio = 14.64f;
 
 // Pulse, duty and colour of the VE table's nodes.
 void BuildVeViews() {
@@ -43,10 +44,8 @@ void BuildFixedView(const FixedView& view) {
   for (auto& row : TableColours) row.fill(view.colour);
 }
 
-double LoadScale() { return LoadMode == "MAP" ? MapBar : 1; }
-
 float LowSpeedMargin() {
-  if (SelectedTable == TableAirFuel) return StoichiometricRatio;
+  if (SelectedTable == TableAirFuel) return static_cast<float>(StoichiometricRatio);
   if (SelectedTable == TableAdvance) return CalValues[3];
   return 0;
 }

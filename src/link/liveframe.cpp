@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "core/encoder.h"
 #include "core/globalstate.h"
 #include "core/numbers.h"
 #include "link/comm.h"
@@ -180,7 +181,9 @@ double DefaultCltCelsius(int count) { return count / 2.3182 - 30; }
 double DefaultMatCelsius(int count) { return count / 2.3273 - 30; }
 double Fahrenheit(double celsius) { return 32 + 9 * (celsius / 5); }
 
-double AfrOfRaw(double raw) { return raw == -128 ? 9.75 : 14.64 / ((128 + raw) / 255); }
+double AfrOfRaw(double raw) {
+  return raw == -128 ? 9.75 : StoichiometricRatio / ((128 + raw) / 255);
+}
 
 double AfrOffsetShown(int desiredRaw, double offset) {
   return AfrOfRaw(desiredRaw + offset) - AfrOfRaw(desiredRaw);
