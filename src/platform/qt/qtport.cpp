@@ -1,4 +1,4 @@
-// Reads the settings of a line.
+// Reads the settings of a line, and says why a port cannot be opened.
 #include "platform/qt/qtport.h"
 
 #include <charconv>
@@ -25,4 +25,18 @@ std::optional<LineSettings> ReadLineSettings(const std::string& text) {
   line.dataBits = mode[3] - '0';
   line.stopBits = mode[5] - '0';
   return line;
+}
+
+std::string NoSuchDevice(const std::string& device) {
+  return "There is no device " + device + ". Connect the cable or the adapter and try again.";
+}
+
+std::string UsedByOther(const std::string& device) {
+  return device + " is in use by another program. Close that program and try again.";
+}
+
+std::string NoSerialPort(const std::string& device) { return device + " is no serial port."; }
+
+std::string NotOpened(const std::string& device, const std::string& reason) {
+  return device + " cannot be opened: " + reason + ".";
 }

@@ -20,5 +20,12 @@ std::optional<LineSettings> ReadLineSettings(const std::string& text);  // nothi
 // behind it, as far as `kernel`, a folder of the kernel's own words on each, tells; ttyS when none.
 std::string FirstSerialDevice(int number, const std::string& devices, const std::string& kernel);
 
+// Why a port cannot be opened, or is lost, in words for the user.
+std::string NoSuchDevice(const std::string& device);
+std::string UsedByOther(const std::string& device);
+std::string NoSerialPort(const std::string& device);
+std::string NotOpened(const std::string& device, const std::string& reason);
+inline constexpr const char* Unplugged = "The device has been disconnected.";
+
 // Why a device file could not be opened, by the error of the system, and what helps.
 std::string WhyNotOpened(const std::string& device, int error);

@@ -49,12 +49,12 @@ bool Apply(QSerialPort& line, const std::string& settings) {
 std::string WhyNot(const std::string& device, const QSerialPort& line) {
   switch (line.error()) {
     case QSerialPort::DeviceNotFoundError:
-      return "There is no device " + device + ". Connect the cable or the adapter and try again.";
+      return NoSuchDevice(device);
     case QSerialPort::PermissionError:
     case QSerialPort::OpenError:
-      return device + " is in use by another program. Close that program and try again.";
+      return UsedByOther(device);
     default:
-      return device + " cannot be opened: " + FromQt(line.errorString()) + ".";
+      return NotOpened(device, FromQt(line.errorString()));
   }
 }
 
@@ -63,8 +63,7 @@ void TellGone(Port& port) {
   port.gone = true;
   RunSoon([handle = port.handle] {
     std::shared_ptr<Port> open = Opened(handle);
-    if (open && open->events.disconnected)
-      open->events.disconnected("The device has been disconnected.");
+    if (open && open->events.disconnected) open->events.disconnected(Unplugged);
   });
 }
 
@@ -96,7 +95,7 @@ void Listen(Port& port) {
 PortResult OpenPort(const std::string& device, const std::string& settings, PortEvents events) {
   auto port = std::make_shared<Port>();
   port->line.setPortName(ToQt(device));
-  if (!Apply(port->line, settings)) return {0, device + " is no serial port."};
+  if (!Apply(port->line, settings)) return {0, NoSerialPort(device)};
   if (!port->line.open(QIODevice::ReadWrite)) return {0, WhyNot(device, port->line)};
   port->line.setDataTerminalReady(true);
   port->line.setRequestToSend(true);

@@ -129,18 +129,18 @@ std::string WhyNotOpened(const std::string& device, int error) {
     case ENOENT:
     case ENODEV:
     case ENXIO:
-      return "There is no device " + device + ". Connect the cable or the adapter and try again.";
+      return NoSuchDevice(device);
     case EACCES:
     case EPERM:
       return "Your user may not use " + device + ". Join the group \"" + GroupOf(device) +
              "\" (sudo usermod -aG " + GroupOf(device) + " $USER), then log in again.";
     case EBUSY:
     case EWOULDBLOCK:
-      return device + " is in use by another program. Close that program and try again.";
+      return UsedByOther(device);
     case ENOTTY:
     case EISDIR:
     case EINVAL:
-      return device + " is no serial port.";
+      return NoSerialPort(device);
     case EIO:
       return device +
              " does not work: there is no hardware behind it, or it was unplugged. A USB adapter "
@@ -148,7 +148,7 @@ std::string WhyNotOpened(const std::string& device, int error) {
              "/dev/ttyUSB0 as a rule; connect it, or name it in the environment: "
              "HALVANE2_COM1=/dev/ttyUSB0 makes it port 1.";
     default:
-      return device + " cannot be opened: " + std::strerror(error) + ".";
+      return NotOpened(device, std::strerror(error));
   }
 }
 
@@ -182,8 +182,6 @@ void TellGone(const std::shared_ptr<Port>& port, const std::string& why) {
     if (open && open->events.disconnected) open->events.disconnected(why);
   });
 }
-
-constexpr const char* Unplugged = "The device has been disconnected.";
 
 // ---- reading
 // ----------------------------------------------------------------------------------------
