@@ -13,22 +13,8 @@ struct BitName {
   const char* name;
 };
 
-constexpr std::array<BitName, 6> failedNames = {{
-    {SensorClt, "CLT"},
-    {SensorMat, "MAT"},
-    {SensorMap, "MAP"},
-    {SensorEgo, "EGO"},
-    {SensorKno, "KNO"},
-    {SensorTps, "TPS"},
-}};
-constexpr std::array<BitName, 5> disabledNames = {{
-    {1 << 3, "REV"},
-    {1 << 4, "KNO"},
-    {1 << 5, "IDL"},
-    {1 << 6, "EGO"},
-    {1 << 7, "MAT"},
-}};
-constexpr std::array<BitName, 7> intermitNames = {{
+// The column of what has failed has a line for all but the last.
+constexpr std::array<BitName, 7> sensorNames = {{
     {SensorClt, "CLT"},
     {SensorMat, "MAT"},
     {SensorMap, "MAP"},
@@ -36,6 +22,13 @@ constexpr std::array<BitName, 7> intermitNames = {{
     {SensorKno, "KNO"},
     {SensorTps, "TPS"},
     {SensorLob, "LOB"},
+}};
+constexpr std::array<BitName, 5> disabledNames = {{
+    {1 << 3, "REV"},
+    {1 << 4, "KNO"},
+    {1 << 5, "IDL"},
+    {1 << 6, "EGO"},
+    {1 << 7, "MAT"},
 }};
 
 // The names of the bits that are set in `bits`.
@@ -53,7 +46,7 @@ SensorColumn Column(std::span<const BitName> names, int bits) {
 }  // namespace
 
 SensorColumn FailedColumn(int failedBits, int defaultedBits) {
-  SensorColumn column = Column(failedNames, failedBits);
+  SensorColumn column = Column(std::span(sensorNames).first<6>(), failedBits);
   if (failedBits & defaultedBits & SensorMap) column.lines[2] += " DFL";
   return column;
 }
@@ -61,7 +54,7 @@ SensorColumn FailedColumn(int failedBits, int defaultedBits) {
 SensorColumn DisabledColumn(int optionFlags) { return Column(disabledNames, ~optionFlags); }
 
 SensorColumn IntermitColumn(int intermitBits, std::string_view loadMode) {
-  SensorColumn column = Column(intermitNames, ~intermitBits);
+  SensorColumn column = Column(sensorNames, ~intermitBits);
   if (!column.lines[2].empty()) column.lines[2] = loadMode == "MAP" ? "MAP" : "MAF";
   return column;
 }
