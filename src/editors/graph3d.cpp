@@ -9,7 +9,7 @@
 #include "editors/editcycle.h"
 #include "editors/graph3dpicture.h"
 #include "editors/graphcaption.h"
-#include "platform/dialogs.h"
+#include "shell/guards.h"
 #include "shell/hotkeys.h"
 #include "shell/mainframe.h"
 
@@ -213,10 +213,8 @@ void Resized(Screen&, Control&) {
 }  // namespace
 
 bool GraphRefused(int table) {
-  const bool live =
-      RowOf(table).besideLogging ? MonitorMode == OnflyLive : MonitorMode != NothingLive;
-  if (live) MsgBox("This Process is Unavailable while ONFLY Monitoring is Active.");
-  return live;
+  if (RowOf(table).besideLogging && MonitorMode != OnflyLive) return false;
+  return RefusedWhileLive();
 }
 
 StepRule StepRuleOf(int table) { return RowOf(table).rule; }

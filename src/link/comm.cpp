@@ -175,6 +175,12 @@ void ResetLinkState() {
 
 int RxByte(long index) { return ElementAt(std::span(RxBuffer), index); }
 
+bool RefusedWhilePortHeld() {
+  if (!PortHeld) return false;
+  MsgBox("Port is already in use by another process.");
+  return true;
+}
+
 // ---- waiting ------------------------------------------------------------------------------------
 
 bool LinkLost() { return !MSComm1.PortOpen || MSComm1.gone || ProgramEnding(); }

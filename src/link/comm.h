@@ -83,6 +83,8 @@ extern std::vector<std::uint8_t> RxBuffer;
 extern float WaitCount;
 // A monitor, the logger, Auto VE or the programmer holds the port. Starts false.
 extern bool PortHeld;
+// It is held: says so and returns true.
+bool RefusedWhilePortHeld();
 // 0 when no command has failed, else the code of the one that failed; after programming the
 // WaitCount at the failure. Starts as 0.
 extern float CommError;

@@ -15,7 +15,6 @@
 #include "core/s19file.h"
 #include "link/comm.h"
 #include "link/programscreen.h"
-#include "platform/dialogs.h"
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "platform/loop.h"
@@ -253,10 +252,7 @@ void OpenProgram_ZEM() {
     RunFromQueue(OpenProgram_ZEM);
     return;
   }
-  if (PortHeld) {
-    MsgBox("Port is already in use by another process.");
-    return;
-  }
+  if (RefusedWhilePortHeld()) return;
   const bool fromEditor = KillFirst;
   ShowScreen(Program_ZEM);
   programT();

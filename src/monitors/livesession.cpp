@@ -418,8 +418,7 @@ void RunLive(const LiveMonitor& monitor) {
     RunFromQueue([&monitor] { RunLive(monitor); });
     return;
   }
-  if (PortHeld) {
-    MsgBox("Port is already in use by another process.");
+  if (RefusedWhilePortHeld()) {
     Call(monitor.refused);
     return;
   }

@@ -6,6 +6,7 @@
 #include "core/binfile.h"
 #include "core/globalstate.h"
 #include "core/settings.h"
+#include "link/comm.h"
 #include "platform/dialogs.h"
 #include "platform/screen.h"
 #include "shell/guards.h"

@@ -3,5 +3,3 @@
 
 // Something is live: says so and returns true.
 bool RefusedWhileLive();
-// A session holds the serial port: says so and returns true.
-bool RefusedWhilePortHeld();

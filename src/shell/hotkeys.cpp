@@ -9,7 +9,6 @@
 #include "link/comm.h"
 #include "platform/loop.h"
 #include "shell/commands.h"
-#include "shell/guards.h"
 #include "shell/mainframe.h"
 #include "shell/mainmenu.h"
 #include "shell/menus.h"
