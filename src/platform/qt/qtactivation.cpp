@@ -51,7 +51,8 @@ bool ActivationCounts(const QWidget& window) {
   onItsWay = nullptr;
   if (asked == &window) return true;
   const bool late = std::exchange(overtaken, nullptr) == &window;
-  if (!late || !asked || overtakenSince.elapsed() > soonerThanAnybodyMs) return true;
+  const bool wanted = asked && asked->isVisible();
+  if (!late || !wanted || overtakenSince.elapsed() > soonerThanAnybodyMs) return true;
   WishActivation(*asked);
   return false;
 }
