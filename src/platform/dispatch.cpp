@@ -33,11 +33,11 @@ void SelectForTypingOver(Control& field) {
     SelectText(field, 0, static_cast<int>(field.text.size()));
 }
 
-bool TakeAccelerator(Screen& screen, int letter) {
-  Control* target = AcceleratorTarget(screen, letter);
+bool TakeAccelerator(Screen& screen, const KeyEvent& event) {
+  Control* target = AcceleratorTarget(screen, event.key);
   if (!target) return false;
   if (IsOperated(*target)) {
-    UserClick(*target);
+    if (!event.repeat) UserClick(*target);
     return true;
   }
   const bool isThere = screen.focus == target;
@@ -71,8 +71,10 @@ bool OperateByKey(Screen& screen, const KeyEvent& event) {
 }
 
 // Esc clicks the cancel button where there is one. Enter, Esc, backspace and characters reach the
-// focused control as a key press. Result: true when nobody must see the key any more.
+// focused control as a key press. An Esc that is held down leaves one screen, not all behind it.
+// Result: true when nobody must see the key any more.
 bool PressCharacter(Screen& screen, KeyEvent& event) {
+  if (event.key == KeyEscape && event.repeat) return true;
   if (event.key == KeyEscape && !screen.cancelButton.empty()) {
     Control* cancel = Find(screen, screen.cancelButton);
     if (cancel && IsUsable(*cancel)) {
@@ -232,7 +234,7 @@ bool UserKeyDown(Screen* screen, KeyEvent& event) {
   ScreenCall call(*screen);
   Watch watch(*screen);
   if (event.key == KeyTab || event.key == KeyDelete) event.character = 0;
-  if (event.alt && !event.ctrl && TakeAccelerator(*screen, event.key)) return true;
+  if (event.alt && !event.ctrl && TakeAccelerator(*screen, event)) return true;
   CallScreen(*screen, screen->on.keyDown, event);
   if (event.handled || !watch.Alive()) return true;
   if (Control* control = screen->focus)

@@ -156,7 +156,7 @@ void OnKey(Screen& screen, KeyEvent& event) {
   Control& tree = At(screen, "TreeView1");
   if (event.key != KeyEnter || screen.focus != &tree || tree.listIndex < 0) return;
   event.handled = true;
-  RunNode(screen, static_cast<std::size_t>(tree.listIndex));
+  if (!event.repeat) RunNode(screen, static_cast<std::size_t>(tree.listIndex));
 }
 
 }  // namespace

@@ -22,16 +22,16 @@ namespace {
 
 bool ending = false;
 
-// The frame has the keys only while no screen has them.
+// The frame has the keys only while no screen has them. An Esc that is still held down was meant
+// for the screen that it has left.
 void FrameKey(KeyEvent& event) {
   if (HandleHotKey(event) || event.ctrl || event.alt) return;
+  if (event.key != KeyF1 && event.key != KeyEscape) return;
+  event.handled = true;
   if (event.key == KeyF1)
     ShowGeneralHelp();
-  else if (event.key == KeyEscape)
+  else if (!event.repeat)
     mnuFileExit_Click();
-  else
-    return;
-  event.handled = true;
 }
 
 }  // namespace

@@ -56,6 +56,21 @@ wait "$program" || code=$?
 [ "$(single 232)" = 14.5 ] || die "a value was saved that nobody wanted to save"
 tell "the second signal ended the program at once"
 
+# A finger that rests on Esc leaves the screen, not the program.
+start_program
+change_tog 16
+xdotool keydown Escape
+sleep 1.5
+xdotool keyup Escape
+settle
+kill -0 "$program" 2>/dev/null || die "an Esc that was held down has ended the program"
+no_window_titled 'Save' || die "an Esc that was held down has asked for something"
+kill -TERM "$program"
+answer 'Save File Data' alt+y
+expect_end
+[ "$(single 232)" = 16 ] || die "the changed value was lost"
+tell "Esc was held down, and left one screen"
+
 # ---- a session ----------------------------------------------------------------------------------
 
 start_program

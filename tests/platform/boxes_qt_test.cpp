@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -66,6 +67,78 @@ TEST_F(BoxesQtTest, EnterPressesTheFirstButton) {
   EXPECT_EQ(LeaveWith(Qt::Key_Return, Buttons::Ok), Answer::Ok);
   EXPECT_EQ(LeaveWith(Qt::Key_Return, Buttons::YesNo), Answer::Yes);
   EXPECT_EQ(LeaveWith(Qt::Key_Return, Buttons::YesNoCancel), Answer::Yes);
+}
+
+struct HeldKey {
+  Qt::Key key;
+  QString text;
+  Qt::KeyboardModifiers with = {};
+};
+
+// To where the box has the keys, and nothing of the queue runs meanwhile. Result: whether somebody
+// took the event.
+bool Send(QWidget& box, const HeldKey& held, bool repeats, QEvent::Type type = QEvent::KeyPress) {
+  QKeyEvent event(type, held.key, held.with, held.text, repeats);
+  event.ignore();
+  QCoreApplication::sendEvent(box.focusWidget(), &event);
+  return event.isAccepted();
+}
+
+const HeldKey enter{Qt::Key_Return, "\r"};
+const HeldKey escape{Qt::Key_Escape, "\x1b"};
+const HeldKey blank{Qt::Key_Space, " "};
+
+// It was pressed for the screen that has opened the box.
+TEST_F(BoxesQtTest, KeyThatIsHeldDownAnswersNothing) {
+  for (const HeldKey& held : {escape, enter, blank}) {
+    bool stays = false;
+    OnNextBox([&](QWidget& box) {
+      for (int i = 0; i < 3; ++i) Send(box, held, true);
+      stays = box.isVisible();
+      Send(box, enter, false);
+    });
+    EXPECT_EQ(MsgBox("Do you wish to save?", Buttons::YesNo), Answer::Yes) << held.key;
+    EXPECT_TRUE(stays) << held.key;
+    TakeBox();
+  }
+}
+
+TEST_F(BoxesQtTest, AltLetterThatIsHeldDownIsNoShortcutOfABox) {
+  const HeldKey no{Qt::Key_N, "n", Qt::AltModifier};
+  bool pressed = true, held = false;
+  OnNextBox([&](QWidget& box) {
+    pressed = Send(box, no, false, QEvent::ShortcutOverride);
+    held = Send(box, no, true, QEvent::ShortcutOverride);
+  });
+  MsgBox("Do you wish to save?", Buttons::YesNo);
+  EXPECT_FALSE(pressed) << "the box clicks its button";
+  EXPECT_TRUE(held) << "it comes as a key, and nobody wants it";
+  TakeBox();
+}
+
+TEST_F(BoxesQtTest, KeyThatIsHeldDownIsTypedIntoABoxButDoesNotLeaveIt) {
+  const HeldKey seven{Qt::Key_7, "7"}, back{Qt::Key_Backspace, ""};
+  OnNextBox([&](QWidget& box) {
+    for (const HeldKey& held : {seven, blank, seven, seven, back, enter, escape})
+      Send(box, held, true);
+    Send(box, enter, false);
+  });
+  EXPECT_EQ(InputBox("Name", "Title", ""), "7 7");
+  TakeBox();
+}
+
+TEST_F(BoxesQtTest, FileDialogIsNotLeftByAKeyThatIsHeldDown) {
+  bool stays = false;
+  OnNextBox([&](QWidget& box) {
+    Send(box, escape, true);
+    Send(box, enter, true);
+    stays = box.isVisible();
+    Send(box, escape, false);
+  });
+  FileDialog dialog{.title = "Save", .fileName = "Engine.bin", .folder = TestFolder()};
+  EXPECT_THROW(ShowSaveDialog(dialog), Failure);
+  EXPECT_TRUE(stays);
+  TakeBox();
 }
 
 TEST_F(BoxesQtTest, BoxesThatAreOpenAreLeftWhenTheProgramEnds) {

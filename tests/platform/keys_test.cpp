@@ -203,6 +203,23 @@ TEST_F(KeysTest, AltLetterOfAButtonClicksIt) {
   EXPECT_EQ(ShownFocus(), "Command1");
 }
 
+TEST_F(KeysTest, AltLetterThatIsHeldDownClicksNothingMore) {
+  screen.build = [](Screen& s) {
+    Add(s, TextField("Text1"));
+    Add(s, Button("Command1", "&Go"));
+    Add(s, {.name = "Check1", .kind = ControlKind::CheckBox, .caption = "&Show tips"});
+  };
+  Show();
+  RepeatKey("Alt+G");
+  RepeatKey("Alt+S");
+  EXPECT_FALSE(WasTold("click Command1"));
+  EXPECT_FALSE(WasTold("click Check1"));
+  EXPECT_FALSE(At(screen, "Check1").checked);
+  EXPECT_EQ(ShownFocus(), "Text1");
+  PressKey("Alt+G");
+  EXPECT_TRUE(WasTold("click Command1"));
+}
+
 TEST_F(KeysTest, AltLetterOfACheckBoxTogglesIt) {
   screen.build = [](Screen& s) {
     Add(s, {.name = "Check1", .kind = ControlKind::CheckBox, .caption = "&Show tips"});
@@ -340,6 +357,25 @@ TEST_F(KeysTest, EscClicksTheCancelButton) {
   EXPECT_FALSE(WasTold("press Text1 27"));
 }
 
+TEST_F(KeysTest, EscThatIsHeldDownLeavesNothingMore) {
+  screen.cancelButton = "Back";
+  Show();
+  RepeatKey("Esc");
+  EXPECT_TRUE(WasTold("down 27"));
+  EXPECT_FALSE(WasTold("click Back"));
+  EXPECT_FALSE(WasTold("press Text1 27"));
+  PressKey("Esc");
+  EXPECT_TRUE(WasTold("click Back"));
+}
+
+TEST_F(KeysTest, EscThatIsHeldDownIsPressedOnceInAField) {
+  Show();
+  PressKey("Esc");
+  RepeatKey("Esc");
+  RepeatKey("Esc");
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), "press Text1 27"), 1);
+}
+
 TEST_F(KeysTest, EscTakenByTheScreenDoesNotCancel) {
   screen.cancelButton = "Back";
   screen.on.keyDown = [](Screen&, KeyEvent& event) { event.handled = event.key == KeyEscape; };
@@ -375,6 +411,19 @@ TEST_F(KeysTest, BackspaceIsPressedAndCanBeDropped) {
   PressKey("Backspace");
   EXPECT_TRUE(WasTold("press Text1 8"));
   EXPECT_EQ(ShownText(screen, "Text1"), "12");
+}
+
+TEST_F(KeysTest, ArrowsAndTypedKeysThatAreHeldDownGoOn) {
+  Show();
+  RepeatKey("7");
+  RepeatKey("7");
+  RepeatKey("Backspace");
+  EXPECT_EQ(ShownText(screen, "Text1"), "7");
+  SetFocus(At(screen, "Command1"));
+  RepeatKey("Down");
+  EXPECT_EQ(ShownFocus(), "Back");
+  RepeatKey("Up");
+  EXPECT_EQ(ShownFocus(), "Command1");
 }
 
 // ---- keys that operate a control ----------------------------------------------------------------

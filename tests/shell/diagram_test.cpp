@@ -194,6 +194,15 @@ TEST_F(DiagramTest, EnterRunsTheChosenNode) {
   EXPECT_EQ(Top(), "Rev_limiter");
 }
 
+// It was pressed on the button that has opened the diagram.
+TEST_F(DiagramTest, EnterThatIsHeldDownRunsNoNode) {
+  PressKey("End");
+  for (int i = 0; i < 21; ++i) PressKey("Up");
+  RepeatKey("Enter");
+  RunPending();
+  EXPECT_EQ(Top(), "Soft_Dia");
+}
+
 TEST_F(DiagramTest, BackReturnsToTheCalibrationScreen) {
   QuickStart = 0;
   PressKey("Esc");

@@ -176,6 +176,8 @@ TEST_F(HotKeyTest, KeysOfTheBareFrame) {
             "part of the Halvane2 Windows Software.");
   PressKey("Ctrl+P");
   EXPECT_EQ(ComPort, 2);
+  RepeatKey("Esc");
+  EXPECT_FALSE(ProgramEnding()) << "it is still held down from the screen that it has left";
   PressKey("Esc");
   EXPECT_TRUE(ProgramEnding());
 }

@@ -14,6 +14,7 @@
 #include "shell/calscreen.h"
 #include "shell/commands.h"
 #include "shell/mainframe.h"
+#include "shell/navigation.h"
 #include "shell/shelltest.h"
 
 namespace {
@@ -382,6 +383,24 @@ TEST_F(MainMenuTest, EscIsTheExitButton) {
   PressKey("Esc");
   EXPECT_FALSE(Form1.loaded);
   EXPECT_TRUE(ProgramEnding());
+}
+
+// From the calibration screen the first one leads to the main menu; the others ask nothing, and
+// above all end nothing.
+TEST_F(MainMenuTest, EscThatIsHeldDownLeavesOneScreenAndKeepsUnsavedWork) {
+  Start();
+  OpenSomeFile();
+  CalChanged = true;
+  GoTo("CSForm1");
+  PressKey("Esc");
+  for (int i = 0; i < 30; ++i) {
+    RepeatKey("Esc");
+    RunPending();
+  }
+  EXPECT_EQ(Top(), "Form1");
+  EXPECT_FALSE(AnyBoxShown());
+  EXPECT_FALSE(ProgramEnding());
+  EXPECT_TRUE(CalChanged);
 }
 
 TEST_F(MainMenuTest, ArrowsWalkTheButtonsDownAndAcross) {

@@ -174,6 +174,10 @@ int RunBox(QDialog& box) {
   return result;
 }
 
+bool IsOpenBox(const QWidget& window) {
+  return std::find(openBoxes.begin(), openBoxes.end(), &window) != openBoxes.end();
+}
+
 Answer MsgBox(const std::string& text, Buttons buttons, const std::string& title, BoxIcon icon) {
   const ButtonsRow& row = RowOf(buttons);
   QMessageBox box(BoxParent());

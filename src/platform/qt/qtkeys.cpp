@@ -1,6 +1,7 @@
 // Looks at every key and mouse button before the toolkit's widgets do: the screen comes first.
 #include "platform/qt/qtkeys.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -13,6 +14,7 @@
 #include "platform/native.h"
 #include "platform/qt/qtactivation.h"
 #include "platform/qt/qtbase.h"
+#include "platform/qt/qtboxes.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtframe.h"
 #include "platform/qt/qtscreen.h"
@@ -73,8 +75,7 @@ KeyEvent ToKeyEvent(const QKeyEvent& event) {
                .ctrl = held.testFlag(Qt::ControlModifier),
                .alt = held.testFlag(Qt::AltModifier),
                .shift = held.testFlag(Qt::ShiftModifier),
-               .keypad = held.testFlag(Qt::KeypadModifier),
-               .repeat = event.isAutoRepeat()};
+               .keypad = held.testFlag(Qt::KeypadModifier)};
   key.character = CharacterOf(event);
   if (IsDecimalComma(event)) key.key = key.character = '.';
   // Both together write the third sign of a key on some keyboards.
@@ -111,6 +112,35 @@ std::optional<Receiver> ReceiverOf(QObject* watched) {
   return Receiver{dialog ? dialog : ActiveScreen(), widget};
 }
 
+// A press that follows its own release at once is none of the user's: on X11 a key that is held
+// down is told like that, and the toolkit takes it for a new one when the press has not arrived yet
+// as it looks for it.
+class HeldKeys {
+ public:
+  void Released(const QKeyEvent& event) {
+    key = event.key();
+    at = event.timestamp();
+  }
+  bool Repeats(const QKeyEvent& event) const {
+    return event.isAutoRepeat() || (onX11 && event.key() == key && event.timestamp() == at);
+  }
+
+ private:
+  const bool onX11 = QGuiApplication::platformName() == u"xcb";
+  int key = 0;
+  quint64 at = 0;
+};
+
+bool IsInBox(QObject* watched) {
+  return watched->isWidgetType() && IsOpenBox(*static_cast<QWidget*>(watched)->window());
+}
+
+// What leaves a box, or operates a button in it; the blank is typed elsewhere.
+bool AnswersABox(QObject* watched, const KeyEvent& key) {
+  return key.key == KeyEscape || key.key == KeyEnter || IsMarkedLetter(key) ||
+         (key.key == KeySpace && qobject_cast<QAbstractButton*>(watched));
+}
+
 // ---- the filter
 // -----------------------------------------------------------------------------------
 
@@ -139,6 +169,8 @@ class Filter : public QObject {
   }
 
  private:
+  KeyEvent Told(const QKeyEvent& event) const;
+  bool IsHeldInBox(QObject* watched, const QKeyEvent& event) const;
   bool Override(QObject* watched, QKeyEvent& event);
   bool KeyDown(QObject* watched, QKeyEvent& event);
   bool KeyUp(QObject* watched, QKeyEvent& event);
@@ -148,12 +180,28 @@ class Filter : public QObject {
   bool PassOn(Screen& screen, QWidget& asked, const QKeyEvent& event, int character, bool changed);
   void Send(QWidget& widget, QEvent& event);
 
+  HeldKeys held;
   bool passesOn = false;  // an event of our own to a widget: not looked at again
   bool swallowsMouse = false;
 };
 
+KeyEvent Filter::Told(const QKeyEvent& event) const {
+  KeyEvent key = ToKeyEvent(event);
+  key.repeat = held.Repeats(event);
+  return key;
+}
+
+// A key that is held down answers no box: it was pressed for what stood there before.
+bool Filter::IsHeldInBox(QObject* watched, const QKeyEvent& event) const {
+  return held.Repeats(event) && IsInBox(watched) && AnswersABox(watched, ToKeyEvent(event));
+}
+
 // Accepted: the key comes as a key, and no shortcut of the menu bar or of a field takes it.
 bool Filter::Override(QObject* watched, QKeyEvent& event) {
+  if (IsHeldInBox(watched, event)) {
+    event.accept();
+    return true;
+  }
   auto receiver = ReceiverOf(watched);
   if (!receiver) return false;
   KeyEvent key = ToKeyEvent(event);
@@ -187,9 +235,10 @@ bool Filter::PassOn(Screen& screen, QWidget& asked, const QKeyEvent& event, int 
 
 bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
   if (passesOn) return false;
+  if (IsHeldInBox(watched, event)) return true;
   auto receiver = ReceiverOf(watched);
   if (!receiver) return false;
-  KeyEvent key = ToKeyEvent(event);
+  KeyEvent key = Told(event);
   if (key.key == KeyNone && key.character == 0) return false;
   NativeFrame frame;
   CarryOutChanges();
@@ -207,6 +256,7 @@ bool Filter::KeyDown(QObject* watched, QKeyEvent& event) {
 }
 
 bool Filter::KeyUp(QObject* watched, QKeyEvent& event) {
+  held.Released(event);
   if (passesOn || event.isAutoRepeat()) return false;
   auto receiver = ReceiverOf(watched);
   if (!receiver || !receiver->screen || !UserReaches(*receiver->screen)) return false;
