@@ -40,10 +40,10 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path);
 // Replaces the file so that a power cut, a kill or a full disk in the middle leaves either the old
 // file or the new one: written beside it, flushed and checked, synced, renamed, the folder synced.
 // Links are followed; permissions stay; strays of a killed save are removed by the next save of the
-// file and are never listed by ListFiles. A read-only file fails with 70. Where the folder takes no
-// new file (it may not be written, the file is mounted by itself) a file that is there is written
-// over: what does not fit leaves the old bytes, but a power cut can leave a mixture. Another name of
-// the same file, a hard link, keeps the old bytes.
+// file and are never listed by ListFiles. A read-only file fails with 70. Where no new one can
+// take its place (the folder refuses it, it is mounted by itself, its group cannot be kept) it is
+// written over: what does not fit leaves the old bytes, but a power cut can leave a mixture.
+// Another name of the same file, a hard link, keeps the old bytes.
 void SaveWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
 
 bool FileExists(const std::string& path);  // also what is no plain file, but no folder

@@ -144,6 +144,61 @@ TEST_F(SaveQtTest, PermissionsStay) {
   EXPECT_EQ(status.st_mode & 07777, 0640u);
 }
 
+// A file that several people tune: of one owner and one group, in a folder that all may write.
+class SharedFileTest : public SaveQtTest {
+ protected:
+  static constexpr uid_t alice = 61001;
+  static constexpr gid_t tuners = 61002, others = 61003;
+
+  void SetUp() override {
+    SaveQtTest::SetUp();
+    if (::geteuid() != 0) GTEST_SKIP() << "only root makes files of somebody else";
+    MakeFile(file, "an old text");
+    ASSERT_EQ(::chmod(folder.c_str(), 0777), 0);
+    ASSERT_EQ(::chown(file.c_str(), alice, tuners), 0);
+  }
+  std::string SaveAsMemberOf(gid_t group) const {
+    return AsOrdinaryUser(
+        [&] {
+          return std::to_string(FailureOf([&] { SaveWholeFile(file, Bytes{'n', 'e', 'w'}); }));
+        },
+        group);
+  }
+  struct stat Status() const {
+    struct stat status {};
+    EXPECT_EQ(::stat(file.c_str(), &status), 0);
+    return status;
+  }
+};
+
+TEST_F(SharedFileTest, StaysWithItsGroupWhenAMemberSaves) {
+  ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
+  const ino_t before = Status().st_ino;
+  EXPECT_EQ(SaveAsMemberOf(tuners), "0");
+  EXPECT_EQ(TextOf(file), "new");
+  EXPECT_EQ(Status().st_gid, tuners);
+  EXPECT_EQ(Status().st_mode & 07777, 0664u) << "all members write it as before";
+  EXPECT_NE(Status().st_ino, before) << "safe against a power cut";
+  EXPECT_EQ(FilesInFolder(), 1u);
+}
+
+TEST_F(SharedFileTest, StaysWithItsOwnerWhenSomebodySavesWhoCannotGiveItToItsGroup) {
+  ASSERT_EQ(::chmod(file.c_str(), 0666), 0);
+  EXPECT_EQ(SaveAsMemberOf(others), "0");
+  EXPECT_EQ(TextOf(file), "new");
+  EXPECT_EQ(Status().st_uid, alice);
+  EXPECT_EQ(Status().st_gid, tuners);
+  EXPECT_EQ(Status().st_mode & 07777, 0666u);
+  EXPECT_EQ(FilesInFolder(), 1u);
+}
+
+TEST_F(SharedFileTest, RootLeavesItToItsOwner) {
+  SaveWholeFile(file, Bytes{'n', 'e', 'w'});
+  EXPECT_EQ(TextOf(file), "new");
+  EXPECT_EQ(Status().st_uid, alice);
+  EXPECT_EQ(Status().st_gid, tuners);
+}
+
 TEST_F(SaveQtTest, LinkOfALinkIsFollowedAlsoWhereNothingIsYet) {
   fs::create_directory(folder + "/there");
   fs::create_symlink("there/target.bin", folder + "/first");

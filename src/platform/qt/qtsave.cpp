@@ -88,13 +88,23 @@ void WriteAll(int file, std::span<const std::uint8_t> bytes, const std::string& 
   }
 }
 
-// The new file takes over who may do what with the old one.
-void TakeOverRights(int file, const fs::path& target) {
+// Only root can give a file away. A file that several people share is replaced by one of who saves
+// it, as long as it stays with their group.
+bool TakesOverOwners(int file, const struct stat& old) {
+  struct stat own = {};
+  if (::fstat(file, &own) != 0) return false;
+  if (own.st_uid == old.st_uid && own.st_gid == old.st_gid) return true;
+  constexpr uid_t asItIs = static_cast<uid_t>(-1);
+  return ::fchown(file, old.st_uid, old.st_gid) == 0 || ::fchown(file, asItIs, old.st_gid) == 0;
+}
+
+// The new file takes over who may do what with the old one. False when somebody would lose a right.
+bool TakesOverRights(int file, const fs::path& target) {
   struct stat old = {};
-  if (::stat(target.c_str(), &old) != 0) return;
-  // Only root can give a file away; everybody else keeps what he may do with his own.
-  [[maybe_unused]] int owner = ::fchown(file, old.st_uid, old.st_gid);
+  if (::stat(target.c_str(), &old) != 0) return true;
+  if (!TakesOverOwners(file, old)) return false;
   ::fchmod(file, old.st_mode & 07777);
+  return true;
 }
 
 void SyncFolder(const fs::path& folder) {
@@ -120,7 +130,7 @@ int Replace(const fs::path& name, const fs::path& target, std::span<const std::u
   Descriptor file(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readAndWrite));
   if (file.Number() < 0) return errno;
   WriteAll(file.Number(), bytes, DiskText(name));
-  TakeOverRights(file.Number(), target);
+  if (!TakesOverRights(file.Number(), target)) return EPERM;
   if (::fsync(file.Number()) != 0) RaiseDiskFailure(errno, DiskText(name));
   if (!file.Close()) RaiseDiskFailure(errno, DiskText(name));
   return ::rename(name.c_str(), target.c_str()) == 0 ? 0 : errno;
