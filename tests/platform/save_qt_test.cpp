@@ -273,6 +273,16 @@ TEST_F(SaveQtTest, WritingOverThatDoesNotFitPutsTheOldBytesBack) {
   ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
 }
 
+TEST_F(SaveQtTest, StrayThatCannotBeRemovedKeepsNobodyFromSaving) {
+  const std::string stray = folder + "/.Engine.bin.halvane2-save";
+  MakeFile(file, "old");
+  MakeFolder(stray);
+  MakeFile(stray + "/kept", "in the way");
+  SaveWholeFile(file, Bytes{'n', 'e', 'w'});
+  EXPECT_EQ(TextOf(file), "new");
+  EXPECT_EQ(TextOf(stray + "/kept"), "in the way");
+}
+
 TEST_F(SaveQtTest, LongestNameOfAFileIsSaved) {
   const std::string name = folder + "/" + std::string(251, 'n') + ".bin";
   MakeFile(name, "old");

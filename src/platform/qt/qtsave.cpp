@@ -136,10 +136,10 @@ int Replace(const fs::path& name, const fs::path& target, std::span<const std::u
   return ::rename(name.c_str(), target.c_str()) == 0 ? 0 : errno;
 }
 
-// The folder takes no new file, or not in this place: it may not be written, or the file is mounted
-// by itself.
+// The folder takes no new file, or not in this place: it may not be written, the file is mounted by
+// itself, or what a killed save of somebody else has left stands in the way.
 bool FolderRefuses(int error) {
-  return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+  return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EEXIST;
 }
 
 class Opened {
