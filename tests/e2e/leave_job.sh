@@ -36,6 +36,10 @@ start_zem
 
 start_program
 change_tog 14.5
+"$built/halvane2" 2>"$out/second.log" || die "a second program ended with exit code $?"
+grep -q '^halvane2: Halvane2 runs already' "$out/second.log" ||
+  die "a second program did not tell why it ends: $(cat "$out/second.log")"
+tell "a second program told that one runs, and ended"
 kill -TERM "$program"
 wait_for 20 "the question to save" activate 'Save File Data'
 picture asked-to-save

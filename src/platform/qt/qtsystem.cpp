@@ -10,6 +10,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QVariant>
+#include <cstdio>
 #include <memory>
 
 #include "platform/loop.h"
@@ -79,7 +80,10 @@ bool AnotherInstanceRuns() {
   }
   if (lock->tryLock(0)) return false;
   // Where no lock can be written nobody can be told apart; the program then runs.
-  return lock->error() == QLockFile::LockFailedError;
+  if (lock->error() != QLockFile::LockFailedError) return false;
+  // The end has no window; who has started it from a terminal is told.
+  std::fputs("halvane2: Halvane2 runs already for this user; this one ends.\n", stderr);
+  return true;
 }
 
 // ---- processes ----------------------------------------------------------------------------------
