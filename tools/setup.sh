@@ -55,11 +55,13 @@ build() {
   local launcher=()
   command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   mkdir -p "$folder"
-  # A build folder that was moved with its project knows the former place only.
-  local fresh=()
-  [ ! -e "$folder/CMakeCache.txt" ] ||
-    grep -qxF "CMAKE_CACHEFILE_DIR:INTERNAL=$(cd "$folder" && pwd -P)" "$folder/CMakeCache.txt" ||
-    fresh=(--fresh)
+  # A build folder that was moved with its project knows the former place only. The same place can
+  # have two names, one of them through a link.
+  local fresh=() known
+  if [ -e "$folder/CMakeCache.txt" ]; then
+    known=$(sed -n 's/^CMAKE_CACHEFILE_DIR:INTERNAL=//p' "$folder/CMakeCache.txt")
+    [ "$known" -ef "$folder" ] || fresh=(--fresh)
+  fi
   say "configuring $folder"
   cmake "${fresh[@]}" -S . -B "$folder" -G Ninja "${launcher[@]}" "$@" >"$folder.log" 2>&1 || {
     cat "$folder.log" >&2
