@@ -142,15 +142,27 @@ TEST_F(CanvasQtTest, ForegroundsThatFollowEachOtherLeaveNothingBehind) {
   EXPECT_EQ(Picture(), last);
 }
 
+// What of a widget has been painted.
+struct Painted : QObject {
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
+    return false;
+  }
+  QRegion region;
+};
+
+void ExpectAllChangesPainted(const QImage& before, const QImage& after, const QRegion& painted) {
+  EXPECT_NE(after, before);
+  for (int y = 0; y < after.height(); ++y)
+    for (int x = 0; x < after.width(); ++x)
+      if (after.pixel(x, y) != before.pixel(x, y)) {
+        ASSERT_TRUE(painted.contains(QPoint(x, y))) << x << " " << y;
+      }
+}
+
 // Only what a new foreground changes is painted anew on the display.
 TEST_F(CanvasQtTest, AllThatANewForegroundChangesIsPaintedAnewAndNotMuchMore) {
-  struct Painted : QObject {
-    bool eventFilter(QObject*, QEvent* event) override {
-      if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
-      return false;
-    }
-    QRegion region;
-  } painted;
+  Painted painted;
   FillRectangle(Canvas(), {0, 0}, {120, 90}, {.colour = 0x80D0F0});
   KeepAsBackground(Canvas());
   FillCircle(Canvas(), {30, 30}, 6, {.colour = Red, .antialias = true});
@@ -164,12 +176,28 @@ TEST_F(CanvasQtTest, AllThatANewForegroundChangesIsPaintedAnewAndNotMuchMore) {
   int pixels = 0;
   for (const QRect& rect : painted.region) pixels += rect.width() * rect.height();
   EXPECT_LT(pixels, after.width() * after.height() / 2);
-  for (int y = 0; y < after.height(); ++y)
-    for (int x = 0; x < after.width(); ++x)
-      if (after.pixel(x, y) != before.pixel(x, y)) {
-        ASSERT_TRUE(painted.region.contains(QPoint(x, y))) << x << " " << y;
-      }
-  EXPECT_NE(after, before);
+  ExpectAllChangesPainted(before, after, painted.region);
+}
+
+// A window that moves away asks for its place before the queue has had its turn.
+TEST_F(CanvasQtTest, PartThatIsExposedBeforeTheTurnLeavesNothingOldBesideIt) {
+  FillRectangle(Canvas(), {0, 0}, {120, 90}, {.colour = 0x80D0F0});
+  KeepAsBackground(Canvas());
+  FillCircle(Canvas(), {30, 30}, 6, {.colour = Red});
+  for (bool small : {true, false}) {
+    const QImage before = Picture();
+    Painted painted;
+    WidgetOf(Canvas())->installEventFilter(&painted);
+    if (small)
+      ClearForeground(Canvas());
+    else
+      ClearCanvas(Canvas(), White);
+    FillCircle(Canvas(), {70, 60}, 6, {.colour = Blue});
+    WidgetOf(Canvas())->repaint(QRect(0, 0, 10, 10));
+    RunPending();
+    WidgetOf(Canvas())->removeEventFilter(&painted);
+    ExpectAllChangesPainted(before, Picture(), painted.region);
+  }
 }
 
 TEST_F(CanvasQtTest, ClearAndRedrawInOneTurnShowsTheNewPicture) {

@@ -73,6 +73,8 @@ class Canvas : public QFrame {
   void Start(Layer& layer, const Drawing& drawing) const;
   bool ShowsDifferences(const Drawing& drawing) const;
   QRegion Differences(const Drawing& drawing) const;
+  bool IsUpToDate(const Drawing& drawing) const;
+  QRegion Stale(const Drawing& drawing) const;
   void PutBackgroundBack(const QRegion& region);
   void PaintDifferences(const Drawing& drawing);
   void BringUpToDate(const Drawing& drawing);
@@ -135,6 +137,18 @@ QRegion Canvas::Differences(const Drawing& drawing) const {
   return region & QRect(QPoint(0, 0), contentsRect().size());
 }
 
+bool Canvas::IsUpToDate(const Drawing& drawing) const {
+  return Fits(shown, drawing) && shown.foreground == drawing.foreground &&
+         shown.count == drawing.primitives.size();
+}
+
+// What of the widget no longer shows the drawing.
+QRegion Canvas::Stale(const Drawing& drawing) const {
+  if (IsUpToDate(drawing)) return {};
+  if (!ShowsDifferences(drawing)) return contentsRect();
+  return Differences(drawing).translated(contentsRect().topLeft());
+}
+
 // A picture of the size of a monitor is millions of bytes: only what is needed is copied.
 void Canvas::PutBackgroundBack(const QRegion& region) {
   const int scale = static_cast<int>(devicePixelRatioF());
@@ -161,8 +175,8 @@ void Canvas::PaintDifferences(const Drawing& drawing) {
 
 void Canvas::BringUpToDate(const Drawing& drawing) {
   const std::size_t end = drawing.primitives.size();
+  if (IsUpToDate(drawing)) return;
   const bool same = Fits(shown, drawing) && shown.foreground == drawing.foreground;
-  if (same && shown.count == end) return;
   if (ShowsDifferences(drawing)) {
     PaintDifferences(drawing);
   } else {
@@ -198,7 +212,10 @@ void Canvas::paintEvent(QPaintEvent* event) {
   if (frameWidth() > 0) QFrame::paintEvent(event);
   Control* control = Record();
   if (!control || contentsRect().isEmpty()) return;
+  // The desktop may ask for a part before the queue tells of the change: the rest comes after it.
+  const QRegion later = Stale(control->drawing) - event->region();
   BringUpToDate(control->drawing);
+  if (!later.isEmpty()) update(later);
   QPainter painter(this);
   for (const QRect& place : event->region() & contentsRect()) {
     painter.setClipRect(place);
