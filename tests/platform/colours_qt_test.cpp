@@ -115,4 +115,23 @@ TEST_F(ColoursQtTest, DisabledTextIsGreyOnAnyGround) {
   EXPECT_LT(Contrast("Text1"), usable);
 }
 
+TEST_F(ColoursQtTest, MarkOfADisabledButtonIsGreyOnAColouredScreen) {
+  screen.backColour = Yellow;
+  screen.build = [](Screen& s) {
+    Add(s, {.name = "Option1",
+            .kind = ControlKind::RadioButton,
+            .caption = "",
+            .widthChars = 4,
+            .checked = true});
+  };
+  ShowScreen(screen);
+  const double usable = Contrast("Option1");
+  SetEnabled(At(screen, "Option1"), false);
+  EXPECT_LT(Contrast("Option1"), usable - 0.1);
+  const QPalette shown = WidgetOf(At(screen, "Option1"))->palette();
+  for (auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+    EXPECT_EQ(shown.color(group, QPalette::Text),
+              QApplication::palette().color(group, QPalette::Text));
+}
+
 }  // namespace

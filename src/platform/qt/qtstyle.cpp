@@ -169,7 +169,8 @@ void ApplyColours(const Control& control, QWidget& widget) {
     palette.setColor(QPalette::Base, back);
     if (!IsRole(control.backColour)) palette.setColor(QPalette::Button, back);
   } else if (HasMark(control)) {
-    palette.setColor(QPalette::Text, QApplication::palette().color(QPalette::Text));
+    for (auto group : {QPalette::Active, QPalette::Inactive})
+      palette.setColor(group, QPalette::Text, QApplication::palette().color(group, QPalette::Text));
   }
   widget.setPalette(palette);
   bool fills = control.kind == ControlKind::Label || control.kind == ControlKind::RadioButton ||
