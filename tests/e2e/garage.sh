@@ -18,6 +18,9 @@ prepare_garage() {
   chmod 700 "$out/config"
 }
 
+# single FILE N: single number N of a BIN file, as text.
+single() { od -An -j $((4 * $2)) -N 4 -t f4 "$1" | tr -d ' '; }
+
 tell() { printf '  %3d s  %s\n' "$SECONDS" "$*"; }
 
 # start_zem OPTION...: the simulated ZEM is COM1.

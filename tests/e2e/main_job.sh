@@ -61,8 +61,6 @@ settle
 picture program-verified
 tell "programmed the ZEM"
 
-# Single number N of a BIN file, as text.
-single() { od -An -j $((4 * $2)) -N 4 -t f4 "$1" | tr -d ' '; }
 [ "$(single "$garage/V8.bin" 232)" = 14.5 ] || die "TOG did not reach the BIN file"
 [ "$(single "$garage/V8.bin" 2)" = 0.75 ] || die "the injector offset did not reach the BIN file"
 cmp -s <(head -c 16 "$garage/base.bin") <(head -c 16 "$garage/V8.bin") && die "nothing was saved"
