@@ -8,15 +8,20 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <QAbstractEventDispatcher>
+#include <QList>
+#include <QTimer>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/loop.h"
 #include "platform/port.h"
+#include "platform/qt/qtloop.h"
 #include "platform/qt/qtport.h"
 #include "support/leastof.h"
 #include "support/qt/otheruser.h"
@@ -274,13 +279,38 @@ TEST_F(PortQtTest, TheLineIsRaw) {
   EXPECT_EQ(line.c_cflag & (CSIZE | PARENB | CSTOPB), static_cast<tcflag_t>(CS8));
 }
 
+// The millisecond that ends a yield's sleep at the latest never comes while this lives.
+struct EndlessSleep {
+  EndlessSleep() {
+    for (const auto& timer : timers) dispatcher.unregisterTimer(timer.timerId);
+  }
+  ~EndlessSleep() {
+    for (const auto& timer : timers)
+      dispatcher.registerTimer(timer.timerId, timer.interval, timer.timerType, QueueObject());
+  }
+  EndlessSleep(const EndlessSleep&) = delete;
+  EndlessSleep& operator=(const EndlessSleep&) = delete;
+
+  QAbstractEventDispatcher& dispatcher = *QAbstractEventDispatcher::instance();
+  QList<QAbstractEventDispatcher::TimerInfo> timers = dispatcher.registeredTimers(QueueObject());
+};
+
+// The reply comes when the yield has looked for bytes and goes to sleep.
 TEST_F(PortQtTest, AReplyWakesTheYieldAtOnce) {
   Open(terminal.name);
   Yield();
-  terminal.Send({1});
-  constexpr int passesOfASleep = 50;  // as many are counted off, at the most, before the next look
-  for (int pass = 0; received.empty() && pass < passesOfASleep; ++pass) Yield();
+  EndlessSleep sleep;
+  ASSERT_FALSE(sleep.timers.isEmpty());
+  bool sent = false, inVain = false;
+  QTimer limit;
+  QObject::connect(&limit, &QTimer::timeout, [&] { inVain = true; });
+  QObject::connect(&sleep.dispatcher, &QAbstractEventDispatcher::aboutToBlock, &limit, [&] {
+    if (!std::exchange(sent, true)) terminal.Send({1});
+  });
+  limit.start(5000);
+  while (received.empty() && !inVain) Yield();
   EXPECT_EQ(received, Bytes{1});
+  EXPECT_FALSE(inVain) << "the bytes were found only when something else had ended the sleep";
 }
 
 // ---- refusals -----------------------------------------------------------------------------------
