@@ -71,7 +71,8 @@ bool IsBeingEdited(Editor& editor, const EditorField& row) {
   return FocusedControl(editor.screen) == &control && control.text != WrittenText(editor, row);
 }
 
-// Who asks for a redraw: the user, by what he does on the screen, or the live loop.
+// Who asks for a redraw: the user, by what he does on the screen, or the live loop and what it
+// shows.
 enum class Asked { ByUser, ByLoop };
 
 void RedrawField(Editor& editor, const EditorField& row, Asked asked) {
@@ -344,6 +345,8 @@ void RedrawAll(Editor& editor, Asked asked) {
 
 void Redraw(Editor& editor) { RedrawAll(editor, Asked::ByUser); }
 
+void RedrawSparingEdits(Editor& editor) { RedrawAll(editor, Asked::ByLoop); }
+
 void WriteField(Editor& editor, const EditorField& row, const std::string& text) {
   WrittenText(editor, row) = text;
   SetText(ControlOf(editor, row), text);
@@ -426,7 +429,7 @@ void EditorLoaded(Editor& editor) {
   HelpScreen = editor.name;
   loadedEditors.push_back(&editor);
   RefreshActiveEditor = [] {
-    if (Editor* top = TopEditor()) RedrawAll(*top, Asked::ByLoop);
+    if (Editor* top = TopEditor()) RedrawSparingEdits(*top);
   };
   HeldByPendingEntry = HoldForPendingEntry;
   Redraw(editor);

@@ -86,8 +86,8 @@ void RegisterEditor(Editor& editor);
 // The focus goes (back) to the field of ActiveField, its caption highlighted, its text selected.
 void reinit(Editor& editor);
 // Writes every field from CalValues, sets the colours, redraws graph, lists and pairs. A field with
-// an entry pending keeps its text. The redraw of RefreshActiveEditor leaves the field too that has
-// the focus and whose text the user has edited.
+// an entry pending keeps its text. The redraws of RefreshActiveEditor, and of a screen that is
+// shown again, leave the field too that has the focus and whose text the user has edited.
 void Redraw(Editor& editor);
 // Writes a text of the program into a field; what differs from it later was typed by the user.
 void WriteField(Editor& editor, const EditorField& row, const std::string& text);

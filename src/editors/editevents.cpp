@@ -255,10 +255,11 @@ void ConnectEvents(Editor& editor) {
     IndexControls(editor);
     EditorLoaded(editor);
   };
-  // It may come back to another calibration, or to a session that has begun or ended.
+  // It may come back to another calibration, or to a session that has begun or ended. What covered
+  // it may have come while the user was typing.
   on.shown = [&editor](Screen&) {
     DoStats();
-    Redraw(editor);
+    RedrawSparingEdits(editor);
   };
   on.unload = [&editor](Screen&) { EditorUnloaded(editor); };
   on.closeBox = [&editor](Screen&) { RunBack(editor); };

@@ -18,6 +18,9 @@ void EntryHandler(Editor& editor, const EditorField& row);
 // Enter in a field.
 void PressEnter(Editor& editor, const EditorField& row);
 
+// Redraw that leaves the field that has the focus and whose text the user has edited.
+void RedrawSparingEdits(Editor& editor);
+
 void EditorLoaded(Editor& editor);
 void EditorUnloaded(Editor& editor);
 

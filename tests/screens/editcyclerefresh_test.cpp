@@ -3,6 +3,7 @@
 
 #include "editors/binjgraph.h"
 #include "editors/vetable.h"
+#include "link/comm.h"
 #include "link/postedwrite.h"
 #include "screens/tablescreens.h"
 
@@ -53,6 +54,46 @@ TEST_F(Refresh, ABackspaceIsNotUndone) {
   EXPECT_EQ(CellText(2), "2");
   RefreshActiveEditor();
   EXPECT_EQ(CellText(2), "2");
+}
+
+// The refusal of an earlier entry is shown, and answered, in the middle of the next one.
+TEST_F(Refresh, AMinusThatBeginsAValueOutlastsTheRefusalOfTheOneBefore) {
+  EnterCell(1, "3");
+  PressKey("Right");
+  TypeText("-");
+  ShowScreen(frmerr);
+  RunPending();
+  PressKey("Enter");
+  RunPending();
+  ASSERT_FALSE(frmerr.loaded);
+  EXPECT_EQ(CellText(2), "-");
+  TypeText("5");
+  PressKey("Enter");
+  EXPECT_EQ(OnflyCalIndex, 126);
+  EXPECT_EQ(OnflyValue, -0.05);
+}
+
+TEST_F(Refresh, AMinusInAPlainFieldOutlastsItToo) {
+  UnloadScreen(Up());
+  Open(BinjGraph());
+  Type("Text2", "-");
+  ShowScreen(frmerr);
+  RunPending();
+  ClickOn(frmerr, "Command1");
+  EXPECT_EQ(Text("Text2"), "-");
+  TypeText("5");
+  PressKey("Enter");
+  EXPECT_EQ(OnflyValue, -5);
+}
+
+TEST_F(Refresh, AFieldThatWasNotEditedIsUpToDateAfterIt) {
+  Select(2);
+  CalValues[126] = 0.44F;
+  ShowScreen(frmerr);
+  RunPending();
+  ClickOn(frmerr, "Command1");
+  EXPECT_EQ(CellText(2), "44");
+  EXPECT_TRUE(AllSelected(At(2)));
 }
 
 TEST_F(Refresh, AFieldThatWasNotEditedShowsTheNewValueSelected) {
