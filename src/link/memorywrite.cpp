@@ -39,11 +39,17 @@ struct LateAnswers {
   int count = 0;  // at most
 };
 
-// Takes them off RxBuffer; whether something else is there.
+// Takes them off RxBuffer; whether something else is there. Half an answer behind them goes back to
+// the port, where it waits for its other half.
 bool MoreThan(LateAnswers& late) {
+  const int before = late.count;
   while (late.count > 0 && RxBuffer.size() >= 2 && RepliedWith(late.first, late.second)) {
     --late.count;
     RxBuffer.erase(RxBuffer.begin(), RxBuffer.begin() + 2);
+  }
+  if (late.count < before && RxBuffer.size() == 1) {
+    MSComm1.unread.push_front(RxBuffer.front());
+    RxBuffer.clear();
   }
   return !RxBuffer.empty();
 }

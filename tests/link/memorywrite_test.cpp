@@ -154,6 +154,21 @@ TEST_F(WriteTest, RepeatedRecordIsAnsweredAsOftenAsItWasSent) {
   ExpectRefusedScreen();
 }
 
+// As an adapter does that hands over what it has, wherever an answer ends.
+TEST_F(WriteTest, AnswerThatIsCutBehindALateOneIsPutTogether) {
+  std::size_t heard = 0;
+  DeviceNamed("COM1")->written = [&](std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+    heard += bytes.size();
+    if (heard == 4) DeliverAt("COM1", nowUs + 1000, BytesOf("AX"));
+    if (heard == 16) DeliverAt("COM1", nowUs + 1000, BytesOf("AXP"));
+    if (heard == 16) DeliverAt("COM1", nowUs + 2000, BytesOf("N"));
+    if (heard == 26) DeliverAt("COM1", nowUs + 1000, BytesOf("PC"));
+  };
+  EXPECT_EQ(Write(16, 1), 0);
+  EXPECT_FALSE(frmerr.loaded);
+  EXPECT_EQ(Sent(), "P2P2" + OnflyRecord(16, 1) + "S9030000FC");
+}
+
 TEST_F(WriteTest, EachRetryWaitsItsOwnLimit) {
   std::vector<std::int64_t> times;
   DeviceNamed("COM1")->written = [&](std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
