@@ -182,7 +182,8 @@ void Post(const EditorField& row, double stored) {
   }
   for (std::size_t i = 0; i < static_cast<std::size_t>(row.byteCount); ++i)
     BinImage[static_cast<std::size_t>(row.imageByte) + i] = static_cast<std::int16_t>(bytes[i]);
-  PostWrite(row.calIndex, stored, row.imageByte, row.byteCount, StoreAccepted);
+  // The encoder may want the sign of a zero, the calibration does not.
+  PostWrite(row.calIndex, stored + 0.0, row.imageByte, row.byteCount, StoreAccepted);
 }
 
 void Accept(Editor& editor, const EditorField& row, double entry) {

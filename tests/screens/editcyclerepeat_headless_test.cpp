@@ -1,6 +1,7 @@
-// Enter pressed again on a line with a slow unit at its end.
+// Entries of an editor with a simulated unit at the end of the line.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <optional>
 
 #include "core/globalstate.h"
@@ -14,7 +15,7 @@
 
 namespace {
 
-class SlowUnit : public EditorTest {
+class UnitInReach : public EditorTest {
  protected:
   void SetUp() override {
     EditorTest::SetUp();
@@ -35,7 +36,16 @@ class SlowUnit : public EditorTest {
 
 }  // namespace
 
-TEST_F(SlowUnit, TheNewValueIsTheLastOneItHears) {
+TEST_F(UnitInReach, AValueThatIsRoundedToZeroIsStoredWithoutASign) {
+  Enter("Text2", "-0.05");
+  EXPECT_EQ(BinImage[2], 128);
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Stored);
+  EXPECT_EQ(device->zem.Memory()[2], 128);
+  EXPECT_EQ(CalValues[2], 0);
+  EXPECT_FALSE(std::signbit(CalValues[2]));
+}
+
+TEST_F(UnitInReach, ASlowOneHearsTheNewValueLast) {
   device->Fail("slow:100");
   Enter("Text11", "1.2");
   int pressed = 0;
