@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 
+#include "core/calfix.h"
 #include "core/encoder.h"
 #include "core/numbers.h"
 #include "editors/editcycle.h"
@@ -44,6 +45,9 @@ const TableRow rows[] = {
 const TableRow& RowOf(int table) { return rows[std::clamp(table, 0, 3)]; }
 
 bool Editable() { return SelectedTable != TableVe || VeView == 0; }
+
+// CalibrationLoads when the views on show were built; -1 before they are for this opening.
+long viewsOf = -1;
 
 float& ValueAtCursor() { return TableWork[CursorRow][CursorColumn]; }
 
@@ -88,12 +92,31 @@ void Draw() {
   ShowFields();
 }
 
+// What the views show of the calibration: all but what + and - have changed in the margins.
+bool SameCalibration(const WorkGrid& one, const WorkGrid& other) {
+  for (int cell = 1; cell <= TableCells; ++cell) {
+    const GridPlace place = PlaceOfCell(cell);
+    if (one[place.row][place.column] != other[place.row][place.column]) return false;
+  }
+  // The column of standstill, which no key changes, has the value of the low margin.
+  for (int row = 1; row <= LastCursorRow; ++row)
+    if (one[row][1] != other[row][1]) return false;
+  return true;
+}
+
 // The calibration may be another one since the views were built. Every + and - writes them back, so
-// that old ones would overwrite it.
+// that old ones would overwrite it. If it is the same, what was stepped in a margin stays.
 void Rebuild() {
+  const WorkGrid shown = TableWork;
+  const auto rpmAxis = RpmAxis;
+  const auto loadAxis = LoadAxis;
   PublishCalGlobals();
   CopyTablesToWork();
   BuildTableViews();
+  if (viewsOf == CalibrationLoads && Editable() && rpmAxis == RpmAxis && loadAxis == LoadAxis &&
+      SameCalibration(shown, TableWork))
+    TableWork = shown;
+  viewsOf = CalibrationLoads;
   Draw();
 }
 
@@ -196,6 +219,7 @@ void Load(Screen&) {
   HelpScreen = Graph3D.name;
   CursorColumn = 1;
   CursorRow = 1;
+  viewsOf = -1;
   GraphDims();
   ShowFields();
 }

@@ -150,6 +150,36 @@ TEST_F(GraphInProgram, WhatASavePutsRightIsNotStepped) {
   EXPECT_EQ(CalValues[345], 14.01F);
 }
 
+TEST_F(GraphInProgram, AStepInAMarginStaysUntilTheCalibrationIsAnother) {
+  OpenGraph();
+  PressKey("Right");
+  PressKey("Plus");
+  ASSERT_EQ(Shown("Value_Text"), "1.00");
+  const auto stepped = Picture();
+  ShowScreen(frmerr);
+  RunPending();
+  ClickOn(frmerr, "Command1");
+  RunPending();
+  EXPECT_EQ(Shown("Value_Text"), "1.00");
+  EXPECT_TRUE(Picture() == stepped);
+  PressKey("Ctrl+S");
+  RunPending();
+  EXPECT_EQ(Shown("Value_Text"), "1.00");
+  OpenFile(path_);
+  EXPECT_EQ(Shown("Value_Text"), "0") << "opened anew, though with the same values";
+}
+
+TEST_F(GraphInProgram, AStepInAMarginIsGoneWhenTheGraphIsOpenedAgain) {
+  OpenGraph();
+  PressKey("Right");
+  PressKey("Plus");
+  PressKey("Esc");
+  RunPending();
+  OpenGraph();
+  PressKey("Right");
+  EXPECT_EQ(Shown("Value_Text"), "0");
+}
+
 TEST_F(GraphInProgram, ItRefusesToStepInASessionThatBeganUnderIt) {
   struct Case {
     const char* entry;
@@ -170,7 +200,6 @@ TEST_F(GraphInProgram, ItRefusesToStepInASessionThatBeganUnderIt) {
     SCOPED_TRACE(std::string(c.entry) + " in mode " + std::to_string(c.mode));
     OpenGraph(c.entry);
     CalValues[c.firstCell] = 12;
-    ActivateScreen(Graph3D);
     WalkToFirstCell();
     CalChanged = false;
     MonitorMode = c.mode;
