@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "core/numbers.h"
 #include "editors/tableeditor.h"
-#include "link/postedwrite.h"
 
 namespace {
 
@@ -19,9 +17,6 @@ constexpr const char* frequencyCaption = "Combo1_Label";
 
 // ---- cells --------------------------------------------------------------------------------------
 
-// The encoder asks for the GPO mode, which this entry is only about to set.
-int DutyByte(double percent) { return static_cast<int>(RoundEven(255 * percent / 100)); }
-
 void CellAccepted(Editor&, const EditorField&, double) {
   CalValues[gpoMode] = 0;
   if (MonitorMode != OnflyLive) CalValues[gpoControl] = 0;
@@ -32,7 +27,6 @@ EditorField Cell() {
           .low = 0,
           .high = 100,
           .rangeText = "  (0 to 100 %)",
-          .encode = DutyByte,
           .accepted = CellAccepted,
           .helpTopic = "GPO_Ctl.Table_GPO"};
 }
@@ -54,22 +48,22 @@ int FrequencyIndex() {
   return found == frequencies.end() ? -1 : static_cast<int>(found - frequencies.begin());
 }
 
-void StoreFrequency(int divisor) {
-  if (MonitorMode == OnflyLive) {
-    BinImage[frequencyByte] = static_cast<std::int16_t>(divisor);
-    PostWrite(frequencyValue, divisor, frequencyByte, 1);
-    return;
-  }
-  CalValues[frequencyValue] = static_cast<float>(divisor);
-  CalValues[gpoMode] = 0;
-  CalValues[gpoControl] = 0;
+// What an entry of the list goes through.
+EditorField FrequencyEntry() {
+  return {.calIndex = frequencyValue,
+          .imageByte = frequencyByte,
+          .store = [](Editor&, const EditorField&, double divisor) {
+            CalValues[frequencyValue] = static_cast<float>(divisor);
+            CalValues[gpoMode] = 0;
+            CalValues[gpoControl] = 0;
+          }};
 }
 
 // A list that shows nothing, because the file holds a divisor that it does not know, keeps it.
 void EnterFrequency(Editor& editor, const EditorList&, int index) {
   if (index < 0) return;
   if (!OnlyConfirms(editor, frequencyValue))
-    StoreFrequency(frequencies[static_cast<std::size_t>(index)].divisor);
+    StoreOrPost(editor, FrequencyEntry(), frequencies[static_cast<std::size_t>(index)].divisor);
   reinit(editor);
   CalChanged = true;
 }
