@@ -11,6 +11,7 @@
 #include "core/numbers.h"
 #include "core/s19file.h"
 #include "link/comm.h"
+#include "link/liveframe.h"
 #include "link/onfly.h"
 #include "link/postedwrite.h"
 #include "platform/failure.h"
@@ -54,16 +55,30 @@ bool MoreThan(LateAnswers& late) {
   return !RxBuffer.empty();
 }
 
-// Sends again and again until an answer comes. Result: how often; 0 when the loop must end.
+using LeaveRule = std::function<bool()>;
+
+// Sends again and again until an answer comes. Result: how often; 0 when it was left.
 int SendUntilAnswered(const std::function<void()>& send, const WaitRule& rule,
-                      LateAnswers late = {}) {
-  const long loadsAtBegin = CalibrationLoads;
+                      const LeaveRule& leave, LateAnswers late = {}) {
   for (int times = 1;; ++times) {
     send();
-    while (PollingWait(rule, LoopMustEnd) == WaitEnd::Reply)
+    while (PollingWait(rule, leave) == WaitEnd::Reply)
       if (MoreThan(late)) return times;
-    if (LoopMustEnd() || CalibrationLoads != loadsAtBegin) return 0;
+    if (leave()) return 0;
   }
+}
+
+// Nobody waits for the write any more, or it is one of a calibration that is not open now. What the
+// unit has of it so far changes nothing there.
+LeaveRule Unwanted() {
+  return [loads = CalibrationLoads] { return LoopMustEnd() || CalibrationLoads != loads; };
+}
+
+// The unit carries the write out with its end record: who leaves while the answer is due still
+// wants to know whether it has.
+bool EndIsLeft() {
+  constexpr std::int64_t answerUs = 60'000;
+  return LoopMustEnd() && (LinkLost() || MonotonicMicroseconds() - MSComm1.times.sentUs > answerUs);
 }
 
 void SendOpening() {
@@ -96,18 +111,19 @@ Write Refuse(float fault) {
 }
 
 Write WriteRecord(const std::string& record) {
-  const int openings = SendUntilAnswered(SendOpening, waitForOpening);
-  if (openings == 0) return Write::Left;
+  const LeaveRule unwanted = Unwanted();
+  const int openings = SendUntilAnswered(SendOpening, waitForOpening, unwanted);
+  if (openings == 0 || unwanted()) return Write::Left;
   if (RxByte(0) != 'A') return Refuse(faultOpening);
   if (RxByte(1) != 'X') {
     OnflyFault = faultEnd;
     return Write::InvalidProm;
   }
-  const int records =
-      SendUntilAnswered([&] { SendRecord(record); }, waitForRecord, {'A', 'X', openings - 1});
-  if (records == 0) return Write::Left;
+  const int records = SendUntilAnswered([&] { SendRecord(record); }, waitForRecord, unwanted,
+                                        {'A', 'X', openings - 1});
+  if (records == 0 || unwanted()) return Write::Left;
   if (!RepliedWith('P', 'N')) return Refuse(faultRecord);
-  if (SendUntilAnswered(SendEndRecord, waitForEnd, {'P', 'N', records - 1}) == 0)
+  if (SendUntilAnswered(SendEndRecord, waitForEnd, EndIsLeft, {'P', 'N', records - 1}) == 0)
     return Write::Left;
   if (!RepliedWith('P', 'C')) return Refuse(faultEnd);
   return Write::Accepted;
@@ -181,7 +197,7 @@ void StoreAccepted(const PostedWrite& posted) {
 }
 
 void AwaitFrames() {
-  MSComm1.RThreshold = 27;
+  MSComm1.RThreshold = static_cast<int>(LiveFrameLength);
   MSComm1.InputLen = 0;
 }
 

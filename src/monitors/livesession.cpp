@@ -31,12 +31,15 @@ struct LiveRun {
   int timeOuts = 0;
   bool commandRuns = false;  // an answer other than a frame is awaited
   bool killAsked = false;
+  std::int64_t killAskedUs = 0;
   int killTimer = 0;  // while a kill waits
   long framesTaken = 0;
-  std::int64_t frameUs = 0;  // the last frame came, or the session began
-  bool old = false;          // the figures are of a unit that does not answer now
-  bool frameHeld = false;    // decoded, not shown yet
-  bool shownOpen = false;    // the figures show open loop
+  std::int64_t frameUs = 0;   // the last frame came, or the session began
+  std::int64_t unreadUs = 0;  // an answer was there that nobody had taken yet
+  bool old = false;           // the figures are not those of now
+  bool toldSilent = false;    // the status bar tells of a unit that does not answer
+  bool frameHeld = false;     // decoded, not shown yet
+  bool shownOpen = false;     // the figures show open loop
   std::int64_t shownUs = 0;
   bool onWire = false;         // the last frame took the time of a wire
   bool inLumps = false;        // and came as an adapter gathers bytes
@@ -79,23 +82,30 @@ void ShowHeldFrame() {
 }
 
 // Figures that stand still look as if they were measured now. The first opening, which takes a
-// while, has none yet, and is told of at once when it has to be tried again.
+// while, has none yet, and is told of at once when it has to be tried again. An answer that nobody
+// has taken says that a box of the program keeps the loop, and that the unit is there.
 void LookAtAge() {
   constexpr std::int64_t oldUs = 1'000'000;
   constexpr std::int64_t openingUs = 2 * oldUs;
-  if (run.old || Stopped() || LinkLost()) return;
+  if (Stopped() || LinkLost()) return;
+  const std::int64_t now = MonotonicMicroseconds();
   const bool opening = run.framesTaken == 0 && run.session.tries < 2;
-  if (MonotonicMicroseconds() - run.frameUs < (opening ? openingUs : oldUs)) return;
-  run.old = true;
+  if (now - run.frameUs < (opening ? openingUs : oldUs)) return;
+  if (!std::exchange(run.old, true)) Call(run.monitor->aged);
+  if (!RxBuffer.empty()) run.unreadUs = now;
+  if (run.toldSilent || now - run.unreadUs < oldUs) return;
+  run.toldSilent = true;
   ShowLinkStatus("The ZEM does not answer.");
-  Call(run.monitor->aged);
+}
+
+void TakeSilenceBack() {
+  if (std::exchange(run.toldSilent, false)) RefreshStatusLine();
 }
 
 void NoteFrame() {
   run.frameUs = MonotonicMicroseconds();
-  if (!std::exchange(run.old, false)) return;
-  RefreshStatusLine();
-  Call(run.monitor->aged);
+  TakeSilenceBack();
+  if (std::exchange(run.old, false)) Call(run.monitor->aged);
 }
 
 // The keys stay in an editor that is being worked in. The main menu has nothing to type, and its
@@ -120,16 +130,18 @@ void SendKillAskedFor() {
   if (std::exchange(run.killAsked, false)) KillEngine();
 }
 
-// A unit that has said nothing for longer than any answer takes may say nothing for minutes, and a
-// kill must not wait so long.
-bool AnswerOverdue() {
+// A unit that has said nothing for longer than any answer takes may say nothing for minutes, and
+// one that answers wrongly is asked again and again: a kill waits for neither.
+bool KillOverdue() {
   constexpr std::int64_t longestUs = 100'000;
   const HeardTimes& times = MSComm1.times;
-  return MonotonicMicroseconds() - std::max(times.sentUs, times.lastUs) > longestUs;
+  const std::int64_t now = MonotonicMicroseconds();
+  return now - std::max(times.sentUs, times.lastUs) > longestUs ||
+         now - run.killAskedUs > longestUs;
 }
 
 void SendKillIfOverdue() {
-  if (AnswerOverdue()) SendKillAskedFor();
+  if (KillOverdue()) SendKillAskedFor();
 }
 
 AfterCommands SendCommands() {
@@ -143,6 +155,7 @@ AfterCommands SendCommands() {
 
 // The request is on the wire before anything is painted.
 void RequestFrame() {
+  SendKillAskedFor();
   MSComm1.RThreshold = static_cast<int>(LiveFrameLength);
   MSComm1.InputLen = 0;
   MSComm1.DropInput();
@@ -304,7 +317,8 @@ void GiveBackLoopControl() {
 
 // A session that is over, or taken up again, has no figures that could be old.
 void ForgetAge() {
-  if (std::exchange(run.old, false)) RefreshStatusLine();
+  run.old = false;
+  TakeSilenceBack();
 }
 
 // Nothing of the session is on the line any more when the port closes.
@@ -444,8 +458,8 @@ void ToggleLoopControl() {
 void AskToKillEngine() {
   KillFirst = false;
   if (!run.monitor || Stopped()) return;
-  if (!run.commandRuns || AnswerOverdue()) return KillEngine();
-  run.killAsked = true;
+  if (!std::exchange(run.killAsked, true)) run.killAskedUs = MonotonicMicroseconds();
+  if (!run.commandRuns || KillOverdue()) return SendKillAskedFor();
   if (run.killTimer == 0) run.killTimer = StartTimer(20, SendKillIfOverdue);
 }
 

@@ -37,8 +37,15 @@ const std::array<OffsetField, 6> fields = {{
 // Text of the field that has the focus, as it was before the entry.
 std::string savedText;
 std::string shownRefusal;
-// OnAfr as it was before the entry.
-double keptAfr = 0;
+// OnAfr and PendAfr as they were before the entry. What the arrows step through meanwhile is not
+// sent.
+struct KeptAfr {
+  double value = 0;
+  int pending = 0;
+};
+KeptAfr keptAfr;
+// Byte 22 has been shown in this session.
+bool tpsBlendShown = false;
 // The option that is in force. A session opens with zero advance cleared.
 bool advanceIsZero = false;
 
@@ -155,6 +162,7 @@ void StepAfr(Screen& screen, double by) {
 void BeginAfrEntry() {
   if (PendAfr == 0 || AfrCleared)
     OnAfr = std::clamp(Raw(baseByte) - (AfrCleared ? 0 : AfrOffset), 0.0, 255.0);
+  PendAfr = 0;
 }
 
 // The engine may be in another cell by the time that the command goes out: to clear is to have no
@@ -162,8 +170,8 @@ void BeginAfrEntry() {
 void EndAfrEntry(bool cleared) {
   AfrCleared = cleared;
   if (cleared) OnAfr = Raw(baseByte);
-  keptAfr = OnAfr;
   PendAfr = 1;
+  keptAfr = {OnAfr, PendAfr};
 }
 
 }  // namespace
@@ -177,8 +185,6 @@ Screen MonitorInputError{.name = "MonitorInputError",
                          .on = {.click = CloseByButton},
                          .cancelButton = "Command1",
                          .defaultFocus = "Command1"};
-
-std::span<const OffsetField> OffsetFields() { return fields; }
 
 namespace {
 
@@ -247,8 +253,10 @@ int AddOffsetControls(Screen& screen, const char* container, const MonitorColour
 }
 
 void BeginOffsets(Screen& screen) {
+  keptAfr = {OnAfr, PendAfr};
   SetFocus(At(screen, backButton));
   FieldEditing = false;
+  tpsBlendShown = false;
   SetAdvanceIsZero(screen, false);
   for (const OffsetField& row : fields) {
     SetText(At(screen, row.control), "0");
@@ -274,8 +282,10 @@ void ShowOffsets(Screen& screen) {
     return;
   }
   if (!PendTog) SetText(At(screen, "Text5"), Format(Live[LiveField::Tog], "##.00"));
-  if (TogChanged == 0 && !PendTpsBlend)
+  if ((TogChanged == 0 || !tpsBlendShown) && !PendTpsBlend) {
     SetText(At(screen, "Text7"), Format(Live[LiveField::TpsBlend], "#.00"));
+    tpsBlendShown = true;
+  }
   if (!PendInj) SetText(At(screen, "Text6"), Format(OnInjOffset, "##.000"));
   SetText(At(screen, afrField), AfrOffsetText());
 }
@@ -286,7 +296,7 @@ void OffsetGotFocus(Screen& screen, Control& control) {
   FieldEditing = IsOffsetField(control) && !tooSoon;
   ShowStatus(screen);
   savedText = control.text;
-  keptAfr = OnAfr;
+  keptAfr = {OnAfr, PendAfr};
   if (tooSoon) SetFocus(At(screen, backButton));
   if (!FieldEditing) return;
   Mark(screen, control, true);
@@ -298,7 +308,10 @@ void OffsetGotFocus(Screen& screen, Control& control) {
 void OffsetLostFocus(Screen& screen, Control& control) {
   if (!IsOffsetField(control)) return;
   SetText(control, savedText);
-  if (control.name == afrField) OnAfr = keptAfr;
+  if (control.name == afrField) {
+    OnAfr = keptAfr.value;
+    PendAfr = keptAfr.pending;
+  }
   Mark(screen, control, false);
 }
 

@@ -21,7 +21,6 @@ struct OffsetField {
   double scale;  // value := entry / scale
   int& pending;
 };
-std::span<const OffsetField> OffsetFields();
 
 // While a field has the focus, frames flow and the display stands still. Starts as false.
 extern bool FieldEditing;

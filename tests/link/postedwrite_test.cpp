@@ -107,6 +107,26 @@ TEST_F(PostedWriteTest, AWriteThatTheSessionsEndCutsOffStaysPosted) {
   EXPECT_EQ(device->zem.Memory()[5], 0x22);
 }
 
+// The unit has its end record and carries it out.
+TEST_F(PostedWriteTest, AWriteWhoseAnswerIsDueWhenTheUserLeavesIsStored) {
+  BinImage[2] = 77;
+  PostWrite(2, 1.25, 2, 1, Store);
+  bool left = false;
+  DeviceNamed("COM1")->written = [&, hear = DeviceNamed("COM1")->written](
+                                     std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+    hear(bytes, nowUs);
+    if (bytes.size() == 1 && bytes[0] == '9') {
+      left = true;
+      MonitorStop = 1;
+    }
+  };
+  EXPECT_EQ(TransferPostedWrite(), Transfer::Stored);
+  EXPECT_TRUE(left);
+  EXPECT_EQ(CalValues[2], 1.25F);
+  EXPECT_EQ(device->zem.Memory()[2], 77);
+  EXPECT_FALSE(frmerr.loaded);
+}
+
 TEST_F(PostedWriteTest, ALaterEntryIsNotReplacedByTheOneCutOff) {
   device->Fail("silent@S1");
   PostWrite(2, 1, 2, 1);
@@ -147,13 +167,40 @@ TEST_F(PostedWriteTest, AnotherCalibrationIsOpenedWhileASilentUnitIsAsked) {
   EXPECT_TRUE(frmerr.visible);
 }
 
+// From the opening to the end record in steps of a byte's time: it is either not sent to its end,
+// or the unit has it. The calibration that is open now keeps its value in either case.
 TEST_F(PostedWriteTest, AnotherCalibrationIsOpenedWhileTheUnitTakesIt) {
-  BinImage[2] = 77;
-  PostWrite(2, 1.25, 2, 1, Store);
-  CalValues[2] = 3;
-  CalChanged = false;
-  AfterMs(25, [] { PublishLoadedCalibration(); });
-  EXPECT_EQ(TransferPostedWrite(), Transfer::Refused);
-  EXPECT_EQ(CalValues[2], 3) << "the value belongs to the calibration before";
-  EXPECT_FALSE(CalChanged);
+  int unsent = 0, taken = 0;
+  for (double ms = 1; ms < 60; ms += 1) {
+    device.reset();
+    device.emplace();
+    ASSERT_TRUE(OpenCommPort(27, 0));
+    BinImage[2] = 77;
+    PostWrite(2, 1.25, 2, 1, Store);
+    CalValues[2] = 3;
+    CalChanged = false;
+    bool ended = false;
+    bool endedWhenOpened = false;
+    DeviceNamed("COM1")->written = [&, hear = DeviceNamed("COM1")->written](
+                                       std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+      hear(bytes, nowUs);
+      ended = ended || (bytes.size() == 1 && bytes[0] == '9');
+    };
+    bool opened = false;
+    AfterMs(ms, [&] {
+      PublishLoadedCalibration();
+      opened = true;
+      endedWhenOpened = ended;
+    });
+    const Transfer transfer = TransferPostedWrite();
+    if (!opened) break;
+    EXPECT_EQ(transfer, Transfer::Refused) << ms;
+    EXPECT_EQ(CalValues[2], 3) << "the value belongs to the calibration before";
+    EXPECT_FALSE(CalChanged) << ms;
+    EXPECT_EQ(ended, endedWhenOpened) << "no end record goes out afterwards, " << ms;
+    (ended ? taken : unsent) += 1;
+    EXPECT_EQ(device->zem.Memory()[2] == 77, ended) << ms;
+  }
+  EXPECT_GT(unsent, 20);
+  EXPECT_GT(taken, 2);
 }

@@ -181,6 +181,25 @@ TEST_F(LiveSession, OldPromOfAnotherOffsetIsToldAtEachOfTheTenTries) {
   ExpectReleased();
 }
 
+// A wrong answer makes the session open again, and that again: a kill does not wait for ten tries.
+TEST_F(LiveSession, KillDoesNotWaitForAnOpeningThatIsTriedAgainAndAgain) {
+  std::int64_t asked = 0, killed = 0;
+  unit.wrongSecond = "R4";
+  DeviceNamed("COM1")->written = [&](std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+    for (std::uint8_t byte : bytes) unit.Hear(byte);
+    if (bytes.front() == 'K' && killed == 0) killed = nowUs;
+  };
+  AfterMs(200, [&] {
+    asked = NowUs();
+    AskToKillEngine();
+  });
+  AnswerFailure({cancel});
+  Run();
+  while (AnyBoxShown()) EXPECT_EQ(TakeBox().title, "INVALID PROM ERROR");
+  EXPECT_GT(killed, 0);
+  EXPECT_LT(killed - asked, 160'000);
+}
+
 // ---- a kill while the unit is silent ------------------------------------------------------------
 
 TEST_F(LiveSession, KillDoesNotWaitForAnAnswerThatIsOverdue) {
@@ -294,6 +313,62 @@ TEST_F(LiveSession, OpeningThatHangsInItsFirstTryIsToldOfAfterTwoSeconds) {
   });
   Run();
   ExpectReleased();
+}
+
+// A box keeps the loop below it. The unit has answered, and is not said to be silent.
+TEST_F(LiveSession, FiguresAreDimmedBehindABoxButTheUnitIsNotSaidToBeSilent) {
+  const std::string status = frmMain.statusPanels[0];
+  for (const char* awaited : {"F", "R311"}) {
+    bool seen = false;
+    unit.frames = 0;
+    AfterFrames(5, [&] {
+      if (*awaited == 'R') {
+        PendAdv = 1;
+        OnAdvance = 4;
+      }
+      AfterMs(*awaited == 'R' ? 45 : 10, [&] {
+        WhileNextBoxIsOpen([&] {
+          const std::int64_t begun = NowUs();
+          while (NowUs() - begun < 1'800'000) Yield();
+          EXPECT_TRUE(LiveFiguresOld()) << awaited;
+          EXPECT_EQ(At(Monitor3, "Adv").foreColour, ColoursOfSetting().muted);
+          EXPECT_EQ(frmMain.statusPanels[0], status) << awaited;
+          seen = true;
+        });
+        MsgBox("Data Input Error");
+        TakeBox();
+      });
+    });
+    AfterMs(3000, [&] {
+      EXPECT_FALSE(LiveFiguresOld()) << awaited;
+      EXPECT_EQ(frmMain.statusPanels[0], status);
+      StopLive();
+    });
+    Run();
+    EXPECT_TRUE(seen) << awaited;
+  }
+}
+
+TEST_F(LiveSession, SilenceThatBeginsBehindABoxIsToldOf) {
+  bool silent = false;
+  unit.mute = [&](std::string_view) { return silent; };
+  AfterFrames(5, [&] {
+    AfterMs(10, [&] {
+      WhileNextBoxIsOpen([&] {
+        const std::int64_t begun = NowUs();
+        while (NowUs() - begun < 1'800'000) Yield();
+        silent = true;
+      });
+      MsgBox("Data Input Error");
+      TakeBox();
+      AfterMs(1400, [&] {
+        EXPECT_TRUE(LiveFiguresOld());
+        EXPECT_EQ(frmMain.statusPanels[0], "Status: The ZEM does not answer.");
+        StopLive();
+      });
+    });
+  });
+  Run();
 }
 
 // ---- time-outs of frames ------------------------------------------------------------------------

@@ -276,6 +276,68 @@ TEST_F(Monitor1Entry, TogAndBlendFollowTheFrameUntilTogIsChanged) {
   });
 }
 
+// TOG was changed in a session before; byte 22 is what the unit has.
+TEST_F(Monitor1Entry, BlendIsThatOfTheFirstFrameAlsoAfterTogWasChanged) {
+  TogChanged = 1;
+  Work([&] {
+    EXPECT_EQ(Shown("Text7"), "1.00");
+    unit.frame[22] = 26;
+    Later([] { EXPECT_EQ(Shown("Text7"), "1.00"); });
+  });
+}
+
+TEST_F(Monitor1Entry, KillAskedForDuringACommandGoesOutOnceThoughAFieldIsEntered) {
+  Work(
+      [&] {
+        unit.mute = [&](std::string_view command) {
+          if (command != "R315") return false;
+          AfterMs(5, [] {
+            PressKey("K");
+            PressKey("Alt+8");
+          });
+          AfterMs(30, [] { DeliverAt("COM1", NowUs(), {'A', 'X'}); });
+          return true;
+        };
+        Enter("Alt+3", "5");
+        AfterMs(300, [&] {
+          EXPECT_TRUE(FieldEditing);
+          EXPECT_EQ(unit.TakeHeard(), "R315 K");
+          SetFocus(At(Monitor1, "Command1"));
+          AfterMs(200, [&] { EXPECT_EQ(unit.TakeHeard(), ""); });
+        });
+      },
+      700);
+}
+
+// The first wish waits behind a command; what the arrows step through for the next one is not sent.
+TEST_F(Monitor1Entry, AWishThatWaitsIsNotSentWhileTheNextIsStepped) {
+  Work(
+      [&] {
+        unit.mute = [&](std::string_view command) {
+          if (command != "RUFF") return false;
+          AfterMs(10, [] {
+            PressKey("Alt+9");
+            PressKey("Up");
+            PressKey("Enter");
+            EXPECT_EQ(PendAfr, 1);
+            PressKey("Alt+9");
+            PressKey("Up");
+            PressKey("Up");
+          });
+          AfterMs(60, [] { DeliverAt("COM1", NowUs(), {'A', 'X'}); });
+          return true;
+        };
+        PressKey("C");
+        AfterMs(300, [&] {
+          EXPECT_EQ(unit.TakeHeard(), "RUFF");
+          SetFocus(At(Monitor1, "Command1"));
+          EXPECT_EQ(PendAfr, 1);
+          AfterMs(200, [&] { EXPECT_EQ(unit.TakeHeard(), "ROFF"); });  // one up
+        });
+      },
+      700);
+}
+
 TEST_F(Monitor1Entry, OptionsActOnlyWhenTheyAreNotTheCurrentState) {
   Work([&] {
     EXPECT_TRUE(At(Monitor1, "Option2").checked);
