@@ -127,8 +127,8 @@ std::optional<LoadedProgram> QueryLoadedProgram();
 
 // Writes `count` (1 or 2) bytes of BinImage from `index` into the running control unit. `result`:
 // 0 accepted, 2 accepted and `index` is 244 or 245, 1 not accepted: frmerr is shown and OnflyFault
-// has the reason. A silent unit is asked again without end, until LoopMustEnd: `result` is 1 then,
-// without a screen.
+// has the reason. A silent unit is asked again without end, until LoopMustEnd or another
+// calibration is opened: `result` is 1 then, without a screen.
 void ONFLY(int index, float count, float& result);
 
 // The record that carries these bytes; a bounds failure (9) behind the image, overflow (6) when one
@@ -139,5 +139,6 @@ enum class Transfer { Nothing, Stored, Written, Refused, Unsent };
 // Sends the posted write, if there is one, and takes it off. Stored: CalValues has the value,
 // CalChanged is set and RefreshActiveEditor has run; Written: the same, but bytes 244 and 245
 // belong to their screen, and OnflyStore has stored; Refused: nothing is stored; Unsent: the loop
-// is to end, and the write is posted still. The port is set for frames again.
+// is to end, and the write is posted still, unless a later one has taken its place. The port is set
+// for frames again.
 Transfer TransferPostedWrite();

@@ -16,8 +16,8 @@ extern float OnflyByteCount;
 // leaves these to the screen that has posted them. Null stores nothing. Starts as null.
 using StoreRoutine = void (*)(int calIndex, double value);
 extern StoreRoutine OnflyStore;
-// CalibrationLoads when it was posted: a write for a calibration that is no longer open is not sent
-// and not stored. Starts as 0.
+// CalibrationLoads when it was posted: a write for a calibration that is no longer open is not
+// stored, and not sent, or ended before its end record if that has not gone out. Starts as 0.
 extern long OnflyLoads;
 
 // Posts a write; one that was posted and not sent yet is lost. BinImage holds the bytes already,

@@ -68,17 +68,16 @@ void StopLive();
 void LiveScreenUnloaded();
 // Key C: changes ClosedLoop at once; the command goes out with the next pass.
 void ToggleLoopControl();
-// Key K: "K" goes out at once, or behind the command whose answer is awaited; when that is overdue
-// it does not wait for it, and when the session is given up before, it goes out just before the
-// port is released.
+// Key K: "K" goes out at once, or behind the command whose answer is awaited, a tenth of a second
+// later at most; when the session is given up before, it goes out just before the port is released.
 void AskToKillEngine();
 // Shows Live without a new frame: keys T and F. Nothing happens before the first frame.
 void ShowLiveNow();
 
 // Frames decoded in the session that runs.
 long LiveFramesTaken();
-// No frame has come for a second: the figures do not tell what the engine does now. The status bar
-// tells of it.
+// No frame has been taken for a second: the figures do not tell what the engine does now. The
+// status bar tells of a unit that does not answer; a box that keeps the loop is seen by itself.
 bool LiveFiguresOld();
 
 // What the last complete pair of frames says: the mean of its two speeds, and the injector's times

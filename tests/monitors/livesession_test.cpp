@@ -673,7 +673,7 @@ TEST_F(LiveSession, ForcedOpenLoopIsGivenBackBeforeTheFailureScreen) {
   ExpectReleased();
 }
 
-// A key held down repeats while the first command is under way.
+// The key again while its first command is under way.
 TEST_F(LiveSession, LoopControlChangedDuringItsCommandGoesOutOnceMore) {
   for (double afterMs : {5.0, 12.0, 19.0, 30.0}) {
     unit.frames = 0;

@@ -10,6 +10,7 @@
 #include "link/onfly.h"
 #include "monitors/monitor1.h"
 #include "monitors/monitor1entry.h"
+#include "monitors/monitor1picture.h"
 #include "monitors/monitors.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtframe.h"
@@ -55,7 +56,20 @@ class Monitor1Fit : public PlatformTest {
     ShowScreen(Monitor1);
     BeginOffsets(Monitor1);
     DecodeFrame(LiveFrame{}, FrameReader::Monitor);
+    ShowWidestTexts();
     RunPending();
+  }
+  // As wide as an engine makes them.
+  static void ShowWidestTexts() {
+    for (const LiveFigure& figure : Monitor1Figures())
+      SetCaption(At(Monitor1, figure.control), "388.88");
+    for (const StatusColumn& column : statusColumns)
+      for (int line = 0; line < column.lines; ++line)
+        SetCaption(At(Monitor1, LineName(column, line)), line == 2 ? "MAP DFL" : "NONE");
+    SetCaption(At(Monitor1, "BinName"), "BIN File Not Available");
+    SetCaption(At(Monitor1, "PromVersion"), "HV20105");
+    for (const char* field : {"Text3", "Text4", "Text5", "Text6", "Text7", "Text8", "Text9"})
+      SetText(At(Monitor1, field), "-15.875");
   }
   static void Resize(const DisplaySize& display) {
     FrameWindow()->resize(display.width, display.height - titleAndPanel);
