@@ -1,8 +1,6 @@
 // The advance table by keys and clicks: cells, both axes, initial advance, buttons.
 #include <gtest/gtest.h>
 
-#include "core/encoder.h"
-#include "core/numbers.h"
 #include "editors/advancetable.h"
 #include "editors/airfueltable.h"
 #include "editors/gpotable.h"
@@ -164,17 +162,6 @@ TEST_F(AdvanceTest, ASessionPostsTheEntry) {
   EXPECT_EQ(BinImage[63], 53);  // 53.125
   EXPECT_EQ(CalValues[70], 5);
   EXPECT_EQ(CellText(20), "5");
-}
-
-TEST_F(AdvanceTest, PostedBytesAreThoseOfTheEncoder) {
-  GoLive();
-  for (const char* entry : {"0", "0.1", "10", "33.3", "59.9", "60"}) {
-    EnterCell(10, entry);
-    const double degrees = static_cast<float>(LeadingNumber(entry));
-    EXPECT_EQ(BinImage[54], RoundEven(4.25 * degrees)) << entry;
-    EXPECT_EQ(BinImage[54], EncodedByte(61, static_cast<float>(degrees))) << entry;
-  }
-  EXPECT_EQ(BinImage[54], 255);
 }
 
 // ---- speed axis ---------------------------------------------------------------------------------

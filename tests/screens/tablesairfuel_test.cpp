@@ -1,8 +1,6 @@
 // The air/fuel ratio table by keys and clicks.
 #include <gtest/gtest.h>
 
-#include "core/encoder.h"
-#include "core/numbers.h"
 #include "editors/airfueltable.h"
 #include "link/postedwrite.h"
 #include "screens/tablescreens.h"
@@ -128,16 +126,6 @@ TEST_F(AirFuelTest, ASessionPostsTheEntry) {
   EXPECT_EQ(CalValues[354], 12.5F);
   EXPECT_EQ(CellText(10), "12.5");
   EXPECT_TRUE(CalChanged);
-}
-
-TEST_F(AirFuelTest, PostedBytesAreThoseOfTheEncoder) {
-  GoLive();
-  for (const char* entry : {"9.76", "10", "12.6", "14.64", "14.7", "20.05", "29.28"}) {
-    EnterCell(1, entry);
-    const double ratio = static_cast<float>(LeadingNumber(entry));
-    EXPECT_EQ(BinImage[325], static_cast<int>(255 * (14.64 / ratio - 0.5))) << entry;
-    EXPECT_EQ(BinImage[325], EncodedByte(345, static_cast<float>(ratio))) << entry;
-  }
 }
 
 TEST_F(AirFuelTest, ASessionSwitchesTheOtherButtonsOff) {

@@ -1,6 +1,10 @@
 // The bytes that the table screens post in a session, as numbers; the encoder gives the same.
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+#include <string>
+#include <vector>
+
 #include "core/encoder.h"
 #include "editors/advancetable.h"
 #include "editors/airfueltable.h"
@@ -12,9 +16,16 @@
 namespace {
 
 struct PostedByte {
-  const char* entry;
+  std::string entry;
   int byte;
 };
+
+// The bytes of whole entries, each 1 above the one before.
+std::vector<PostedByte> ByWholeEntries(int first, std::initializer_list<int> bytes) {
+  std::vector<PostedByte> posted;
+  for (const int byte : bytes) posted.push_back({std::to_string(first++), byte});
+  return posted;
+}
 
 class TableBytes : public TableTest {
  protected:
@@ -25,6 +36,7 @@ class TableBytes : public TableTest {
     const auto at = static_cast<std::size_t>(imageIndex);
     for (const PostedByte& one : posted) {
       BinImage[at] = -1;
+      CalValues[491] = 4;  // an output by temperature, until a duty is entered
       EnterCell(position, one.entry);
       EXPECT_EQ(BinImage[at], one.byte) << one.entry;
       EXPECT_EQ(OnflyImageIndex, imageIndex);
@@ -37,17 +49,15 @@ class TableBytes : public TableTest {
 }  // namespace
 
 TEST_F(TableBytes, OfCorrectionsAreCutTowardsZeroAround127) {
-  ExpectBytes(FrmVETable(), 1, 125, 118,
-              {{"-50", 0},
-               {"-25", 64},
-               {"-20", 76},
-               {"-1", 125},
-               {"0", 127},
-               {"1", 129},
-               {"10", 152},
-               {"20", 178},
-               {"29", 200},
-               {"50", 254}});
+  ExpectBytes(
+      FrmVETable(), 1, 125, 118,
+      ByWholeEntries(
+          -50, {0,   3,   5,   8,   10,  13,  15,  18,  20,  23,  25,  28,  31,  33,  36,  38,  41,
+                43,  46,  48,  51,  54,  56,  59,  61,  64,  66,  69,  71,  74,  76,  79,  82,  84,
+                87,  89,  92,  94,  97,  99,  102, 105, 107, 110, 112, 115, 117, 120, 122, 125, 127,
+                129, 132, 134, 137, 139, 142, 144, 147, 149, 152, 155, 157, 160, 162, 165, 167, 170,
+                172, 175, 178, 180, 183, 185, 188, 190, 193, 195, 198, 200, 203, 206, 208, 211, 213,
+                216, 218, 221, 223, 226, 229, 231, 234, 236, 239, 241, 244, 246, 249, 251, 254}));
 }
 
 TEST_F(TableBytes, OfAdvanceAreRoundedQuartersAndABit) {
@@ -77,13 +87,14 @@ TEST_F(TableBytes, OfRatiosAreCutAndFallWithTheRatio) {
 }
 
 TEST_F(TableBytes, OfDutyAreRounded) {
-  ExpectBytes(GpoCtl(), 1, 261, 244,
-              {{"0", 0},
-               {"1", 3},    // 2.55
-               {"7", 18},   // 17.85
-               {"10", 26},  // 25.5
-               {"30", 76},  // 76.5
-               {"40", 102},
-               {"50", 128},  // 127.5
-               {"100", 255}});
+  // Ties go to the even byte: 10 % is 25.5, 30 % is 76.5, 50 % is 127.5.
+  ExpectBytes(
+      GpoCtl(), 1, 261, 244,
+      ByWholeEntries(
+          0, {0,   3,   5,   8,   10,  13,  15,  18,  20,  23,  26,  28,  31,  33,  36,  38,  41,
+              43,  46,  48,  51,  54,  56,  59,  61,  64,  66,  69,  71,  74,  76,  79,  82,  84,
+              87,  89,  92,  94,  97,  99,  102, 105, 107, 110, 112, 115, 117, 120, 122, 125, 128,
+              130, 133, 135, 138, 140, 143, 145, 148, 150, 153, 156, 158, 161, 163, 166, 168, 171,
+              173, 176, 178, 181, 184, 186, 189, 191, 194, 196, 199, 201, 204, 207, 209, 212, 214,
+              217, 219, 222, 224, 227, 230, 232, 235, 237, 240, 242, 245, 247, 250, 252, 255}));
 }

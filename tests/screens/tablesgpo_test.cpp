@@ -1,7 +1,6 @@
 // The table of the general purpose output by keys and clicks: cells and frequency.
 #include <gtest/gtest.h>
 
-#include "core/encoder.h"
 #include "editors/gpotable.h"
 #include "link/postedwrite.h"
 #include "screens/tablescreens.h"
@@ -95,16 +94,6 @@ TEST_F(GpoTableTest, ASessionPostsTheEntry) {
   EXPECT_EQ(CalValues[498], 3);
   EXPECT_EQ(CellText(10), "10");
   EXPECT_TRUE(CalChanged);
-}
-
-TEST_F(GpoTableTest, PostedBytesAreThoseOfTheEncoder) {
-  GoLive();
-  for (int percent = 0; percent <= 100; ++percent) {
-    CalValues[491] = 4;
-    EnterCell(1, std::to_string(percent));
-    EXPECT_EQ(BinImage[244], EncodedByte(261, static_cast<float>(percent))) << percent;
-  }
-  EXPECT_EQ(BinImage[244], 255);
 }
 
 // ---- frequency ----------------------------------------------------------------------------------

@@ -309,16 +309,6 @@ TEST_F(VeTableTest, AnAcceptedPostShowsWithTheRefresh) {
   EXPECT_EQ(TableWork[3][5], -25);
 }
 
-TEST_F(VeTableTest, PostedBytesAreThoseOfTheEncoder) {
-  GoLive();
-  for (int percent = -50; percent <= 50; ++percent) {
-    EnterCell(1, std::to_string(percent));
-    const int expected = 127 + static_cast<int>(255 * percent / 100.0);
-    EXPECT_EQ(BinImage[118], expected) << percent;
-    EXPECT_EQ(BinImage[118], EncodedByte(125, static_cast<float>(percent / 100.0))) << percent;
-  }
-}
-
 TEST_F(VeTableTest, AbsoluteModePostsTheFraction) {
   GoLive();
   PressKey("F2");
