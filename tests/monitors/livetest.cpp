@@ -6,16 +6,14 @@
 #include "core/binfile.h"
 #include "core/globalstate.h"
 #include "core/numbers.h"
-#include "editors/editcycle.h"
 #include "editors/editors.h"
 #include "link/comm.h"
 #include "link/onfly.h"
-#include "link/postedwrite.h"
 #include "monitors/monitors.h"
 #include "platform/loop.h"
 #include "shell/mainframe.h"
 #include "shell/navigation.h"
-#include "shell/start.h"
+#include "support/programtest.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
@@ -95,15 +93,7 @@ std::string ScriptedUnit::TakeHeard() {
 
 void LiveTest::SetUp() {
   PlatformTest::SetUp();
-  ResetCalibrationState();
-  ResetLinkState();
-  ResetLiveFlags();
-  ResetLiveState();
-  ResetOnflyState();
-  ResetPostedWrite();
-  ResetEditCycle();
-  CommonDialog = {};
-  Monitor3KeyCode = 0;
+  ResetProgram();
   RegisterShellScreens();
   RegisterEditors();
   RegisterMonitors();
@@ -128,6 +118,34 @@ void LiveTest::Connect() {
     for (std::uint8_t byte : bytes) unit.Hear(byte);
   };
   AddDevice("COM1", std::move(device));
+}
+
+LiveFrame LiveTest::KnownFrame() {
+  LiveFrame frame{};
+  frame[0] = 11;
+  frame[1] = 184;  // 3000: Int(4449.46)
+  frame[2] = 85;   // 20 deg
+  frame[3] = 200;  // 81.88 kPa
+  frame[4] = 100;  // CLT
+  frame[5] = 64;   // (128 + 64 + 192) / 256 = 1.5
+  frame[6] = 64;
+  frame[7] = 51;    // 20 %
+  frame[8] = 150;   // MAT
+  frame[9] = 64;    // 1.25 V
+  frame[10] = 205;  // 13.82 V
+  frame[12] = 51;   // 20 %
+  frame[13] = 4;    // 10 ms of TOG
+  frame[14] = 226;
+  frame[15] = 127;  // 14.64
+  frame[16] = 127;
+  frame[17] = 51;   // 20 %
+  frame[18] = 117;  // 15.24
+  frame[19] = 117;
+  frame[20] = 153;  // 3.0 V
+  frame[22] = 51;   // 1 V
+  frame[25] = 2;    // 625: 5 ms
+  frame[26] = 113;
+  return frame;
 }
 
 void LiveTest::AfterFrames(int frames, std::function<void()> routine) {

@@ -22,34 +22,6 @@ class Monitor1Test : public LiveTest {
     EXPECT_FALSE(MonitorInputError.loaded);
     LiveTest::TearDown();
   }
-  // 4,449 rev/min, so that one injection of all takes 4 * 3.37 ms.
-  static LiveFrame KnownFrame() {
-    LiveFrame frame{};
-    frame[0] = 11;
-    frame[1] = 184;
-    frame[2] = 85;   // 20 deg
-    frame[3] = 200;  // 81.88 kPa
-    frame[4] = 100;
-    frame[5] = 64;  // 1.5
-    frame[6] = 64;
-    frame[7] = 51;
-    frame[8] = 150;
-    frame[9] = 64;
-    frame[10] = 205;
-    frame[12] = 51;
-    frame[13] = 4;  // 10 ms of TOG
-    frame[14] = 226;
-    frame[15] = 127;
-    frame[16] = 127;
-    frame[17] = 51;
-    frame[18] = 117;
-    frame[19] = 117;
-    frame[20] = 153;
-    frame[22] = 51;  // 1 V
-    frame[25] = 2;
-    frame[26] = 113;
-    return frame;
-  }
   // An answer to "B".
   static std::string Program(std::string name, std::string version) {
     name.resize(13, '\0');

@@ -2,9 +2,10 @@
 // simulated unit that takes each change.
 #pragma once
 
-#include <array>
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "core/binfile.h"
 #include "core/globalstate.h"
@@ -20,6 +21,7 @@
 #include "shell/menus.h"
 #include "shell/navigation.h"
 #include "support/headless/zemdevice.h"
+#include "support/smallengine.h"
 
 inline constexpr int offsetByte = 2;
 inline constexpr int turnOnByte = 323;
@@ -56,21 +58,13 @@ class OnflyEditing : public LiveTest {
 
  private:
   void OpenFactoryCalibration() {
-    std::array<float, 512> values{};
-    values[2] = 1;
-    values[4] = 6000;
-    values[9] = 4.92F;
-    values[217] = 8;
-    values[232] = 10;
-    values[233] = 1;
-    values[344] = 1.5F;
-    values[459] = 1;
+    std::vector<float> values = SmallEngine();
     for (std::size_t i = 0; i < 8; ++i) {
       values[45 + i] = 500 + 700 * static_cast<float>(i);
       values[53 + i] = 20 + 10 * static_cast<float>(i);
     }
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(values.data());
-    PutFile("/home/user/V8.bin", {bytes, bytes + 2048});
+    const std::string bytes = FileBytes(values);
+    PutFile("/home/user/V8.bin", {bytes.begin(), bytes.end()});
     AnswerNextFile("/home/user/V8.bin");
     OpenCalibration();
     while (AnyBoxShown()) TakeBox();

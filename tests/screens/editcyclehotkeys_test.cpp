@@ -6,18 +6,12 @@
 #include <vector>
 
 #include "core/binfile.h"
-#include "core/globalstate.h"
 #include "editors/airfueltable.h"
 #include "editors/binjgraph.h"
-#include "editors/editors.h"
-#include "link/comm.h"
 #include "platform/files.h"
 #include "platform/frame.h"
-#include "platform/system.h"
+#include "screens/standinprogram.h"
 #include "shell/mainframe.h"
-#include "shell/start.h"
-#include "support/testfolder.h"
-#include "support/user.h"
 
 namespace {
 
@@ -34,54 +28,23 @@ Editor& OrdinaryEditor() {
   return editor;
 }
 
-class EditorHotKeys : public PlatformTest {
+class EditorHotKeys : public StandInProgram {
  protected:
   void SetUp() override {
-    PlatformTest::SetUp();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetEditCycle();
-    CommonDialog = {};
-    RegisterShellScreens();
-    RegisterEditors();
+    StandInProgram::SetUp();
     RegisterEditor(OrdinaryEditor());
-    for (Screen* screen : {&programmer_, &monitor_}) screen->build = [](Screen&) {};
-    StandIn(programmer_, "Program_ZEM");
-    StandIn(monitor_, "Monitor1");
-    Main();
-    RunPending();
     OpenCalibrationFile();
     PressKey("Alt+P");
     RunPending();
     ASSERT_EQ(Top(), "Binj_graph");
   }
-  void TearDown() override {
-    UnloadAllScreens();
-    PlatformTest::TearDown();
-    ResetCalibrationState();
-    ResetLinkState();
-  }
-  void StandIn(Screen& screen, const char* name) {
-    screen.name = name;
-    screen.on.load = [this](Screen& loaded) { opened_ += loaded.name + " "; };
-    RegisterScreen(name, [&screen] { ShowScreen(screen); });
-  }
   void OpenCalibrationFile() {
-    path_ = TestFolder() + "/V8.bin";
-    std::vector<float> values(512, 0);
-    values[4] = 6000;
-    values[217] = 8;
-    values[232] = 10;
-    values[233] = 1;
-    values[459] = 1;
-    const auto* bytes = reinterpret_cast<const char*>(values.data());
-    MakeFile(path_, std::string(bytes, 2048));
+    path_ = MakeCalibration("V8.bin", SmallEngine());
     AnswerNextFile(path_);
     PressKey("Alt+E");
     RunPending();
     TakeBox();
   }
-  static std::string Top() { return TopWorkScreen() ? TopWorkScreen()->name : ""; }
   Screen& Injectors() { return BinjGraph().screen; }
   void OpenOrdinary() {
     PressKey("Esc");
@@ -89,13 +52,6 @@ class EditorHotKeys : public PlatformTest {
     OpenScreen("KnockCntl");
     RunPending();
   }
-
-  std::string path_;
-  std::string opened_;
-
- private:
-  Screen programmer_;
-  Screen monitor_;
 };
 
 }  // namespace

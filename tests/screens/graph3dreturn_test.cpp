@@ -7,67 +7,27 @@
 #include <vector>
 
 #include "core/binfile.h"
-#include "core/globalstate.h"
-#include "editors/editcycle.h"
-#include "editors/editors.h"
 #include "editors/graph3d.h"
-#include "editors/tableviews.h"
-#include "link/comm.h"
-#include "link/postedwrite.h"
 #include "platform/files.h"
 #include "platform/frame.h"
-#include "platform/system.h"
+#include "screens/standinprogram.h"
 #include "shell/mainframe.h"
-#include "shell/start.h"
-#include "support/testfolder.h"
-#include "support/user.h"
 
 namespace {
 
 constexpr const char* unavailable = "This Process is Unavailable while ONFLY Monitoring is Active.";
 
-class GraphInProgram : public PlatformTest {
+class GraphInProgram : public StandInProgram {
  protected:
   void SetUp() override {
-    PlatformTest::SetUp();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetEditCycle();
-    ResetTableViews();
-    ResetPostedWrite();
-    CommonDialog = {};
-    RegisterShellScreens();
-    RegisterEditors();
-    for (Screen* screen : {&programmer_, &monitor_}) screen->build = [](Screen&) {};
-    StandIn(programmer_, "Program_ZEM");
-    StandIn(monitor_, "Monitor1");
-    Main();
-    RunPending();
+    StandInProgram::SetUp();
     path_ = MakeCalibration("V8.bin", 0.10F);
     OpenFile(path_);
     CalChanged = false;
   }
-  void TearDown() override {
-    UnloadAllScreens();
-    PlatformTest::TearDown();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetTableViews();
-  }
-
-  void StandIn(Screen& screen, const char* name) {
-    screen.name = name;
-    screen.on.load = [this](Screen& loaded) { opened_ += loaded.name + " "; };
-    RegisterScreen(name, [&screen] { ShowScreen(screen); });
-  }
   // A file whose VE cells all hold the same correction.
   static std::string MakeCalibration(const char* name, float ve) {
-    std::vector<float> values(512, 0);
-    values[4] = 6000;
-    values[217] = 8;
-    values[232] = 10;
-    values[233] = 1;
-    values[459] = 1;
+    std::vector<float> values = SmallEngine();
     for (std::size_t i = 0; i < 8; ++i) {
       values[45 + i] =
           ve > 0 ? 500.0F * static_cast<float>(i + 1) : 600.0F * static_cast<float>(i + 1);
@@ -78,9 +38,7 @@ class GraphInProgram : public PlatformTest {
       values[124 + cell] = ve;
       values[344 + cell] = 14;
     }
-    std::string path = TestFolder() + "/" + name;
-    MakeFile(path, std::string(reinterpret_cast<const char*>(values.data()), 2048));
-    return path;
+    return StandInProgram::MakeCalibration(name, values);
   }
   static void OpenFile(const std::string& path) {
     AnswerNextFile(path);
@@ -102,13 +60,6 @@ class GraphInProgram : public PlatformTest {
   static const std::vector<Primitive>& Picture() {
     return At(Graph3D, "Picture1").drawing.primitives;
   }
-
-  std::string path_;
-  std::string opened_;
-
- private:
-  Screen programmer_;
-  Screen monitor_;
 };
 
 }  // namespace

@@ -3,45 +3,16 @@
 
 #include <set>
 
-#include "core/globalstate.h"
-#include "core/settings.h"
-#include "link/comm.h"
-#include "link/liveframe.h"
-#include "link/onfly.h"
 #include "monitors/monitor1entry.h"
-#include "monitors/monitors.h"
-#include "platform/frame.h"
-#include "platform/loop.h"
-#include "shell/mainframe.h"
-#include "shell/mainmenu.h"
-#include "shell/navigation.h"
-#include "shell/start.h"
-#include "support/user.h"
+#include "screens/monitorscreens.h"
 
 namespace {
 
-class Monitor1Screen : public PlatformTest {
+class Monitor1Screen : public MonitorScreenTest {
  protected:
   void SetUp() override {
-    PlatformTest::SetUp();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetLiveFlags();
-    ResetLiveState();
-    ResetOnflyState();
-    RegisterShellScreens();
-    RegisterMonitors();
-    Main();
-    RunPending();
-  }
-  void TearDown() override {
-    UnloadAllScreens();
-    PlatformTest::TearDown();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetLiveFlags();
-    ResetLiveState();
-    ResetOnflyState();
+    MonitorScreenTest::SetUp();
+    Start();
   }
   // As a session shows it with its first frame.
   void Show() {
@@ -152,18 +123,7 @@ TEST_F(Monitor1Screen, LettersToggleInUpperAndLowerCase) {
   TypeText("T");
   EXPECT_FALSE(ImperialUnits);
   EXPECT_TRUE(DrawnTexts().contains("CLT \u00B0C"));
-  TypeText("f");
-  EXPECT_FALSE(FuelInLitres);
-  TypeText("F");
-  EXPECT_TRUE(FuelInLitres);
-  TypeText("c");
-  EXPECT_FALSE(ClosedLoop);
-  EXPECT_EQ(PendEgo, 1);
-  TypeText("C");
-  EXPECT_TRUE(ClosedLoop);
-  KillFirst = true;
-  TypeText("k");
-  EXPECT_FALSE(KillFirst);
+  ExpectLettersToggle();
   ExpectAtRest();
 }
 
@@ -369,25 +329,6 @@ TEST_F(Monitor1Screen, ArrowsChangeTheAfrOffsetEnterSendsAndEscClears) {
 
 // ---- opening ------------------------------------------------------------------------------------
 
-// Opened by the button of the main menu, without a unit: the failure screen, and back.
 TEST_F(Monitor1Screen, WithoutAPortTheFailureScreenComesAndCancelReturnsToTheMainMenu) {
-  StoreSetting("Options", "Screensetting", 0);
-  StoreSetting("Options", "Comport", 4);
-  std::string title;
-  bool held = true;
-  const int timer = StartTimer(20, [&] {
-    if (!helpfrm.visible) return;
-    title = helpfrm.title;
-    held = PortHeld;
-    UnloadScreen(helpfrm);
-  });
-  PressKey("Alt+M");
-  RunPending();
-  StopTimer(timer);
-  EXPECT_EQ(title, "Halvane2  -  COM ERROR  0");
-  EXPECT_FALSE(held);
-  EXPECT_FALSE(Monitor1.loaded);
-  EXPECT_EQ(MonitorMode, 0);
-  EXPECT_EQ(TopWorkScreen(), &Form1);
-  EXPECT_EQ(FindMenu(frmMain, "mnuname")->caption, EditModeLine);
+  ExpectFailureAndBack(Monitor1, 0, [] { EXPECT_FALSE(Form1.visible); });
 }

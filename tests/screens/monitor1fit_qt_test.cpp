@@ -5,19 +5,13 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
-#include "core/globalstate.h"
-#include "link/liveframe.h"
-#include "link/onfly.h"
 #include "monitors/monitor1.h"
 #include "monitors/monitor1entry.h"
 #include "monitors/monitor1picture.h"
-#include "monitors/monitors.h"
 #include "platform/qt/qtcontrols.h"
 #include "platform/qt/qtframe.h"
 #include "platform/qt/qtscreen.h"
-#include "shell/navigation.h"
-#include "shell/start.h"
-#include "support/user.h"
+#include "screens/monitorscreens.h"
 
 namespace {
 
@@ -29,29 +23,18 @@ struct DisplaySize {
 constexpr int titleAndPanel = 40;
 constexpr DisplaySize displays[] = {{1024, 768}, {1366, 768}, {1280, 800}, {1920, 1080}};
 
-class Monitor1Fit : public PlatformTest {
+class Monitor1Fit : public MonitorScreenTest {
  protected:
-  void SetUp() override {
-    PlatformTest::SetUp();
-    ResetCalibrationState();
-    ResetLiveFlags();
-    ResetLiveState();
-    ResetOnflyState();
-    RegisterShellScreens();
-    RegisterMonitors();
-  }
   void TearDown() override {
     UnloadAllScreens();
     QApplication::setFont(font);
-    PlatformTest::TearDown();
-    ResetCalibrationState();
+    MonitorScreenTest::TearDown();
   }
   void ShowOn(const DisplaySize& display, double enlarged) {
     QFont large = font;
     large.setPointSizeF(font.pointSizeF() * enlarged);
     QApplication::setFont(large);
-    Main();
-    RunPending();
+    Start();
     Resize(display);
     ShowScreen(Monitor1);
     BeginOffsets(Monitor1);

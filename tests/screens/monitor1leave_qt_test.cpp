@@ -2,36 +2,19 @@
 #include <pty.h>
 #include <unistd.h>
 
-#include "core/globalstate.h"
-#include "core/settings.h"
-#include "link/comm.h"
-#include "link/liveframe.h"
-#include "link/onfly.h"
 #include "monitors/monitor1.h"
-#include "monitors/monitors.h"
-#include "platform/loop.h"
-#include "shell/mainmenu.h"
-#include "shell/navigation.h"
-#include "shell/start.h"
-#include "support/user.h"
+#include "screens/monitorscreens.h"
 
 namespace {
 
-class Monitor1Leave : public PlatformTest {
+class Monitor1Leave : public MonitorScreenTest {
  protected:
   void SetUp() override {
-    PlatformTest::SetUp();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetLiveFlags();
-    ResetOnflyState();
-    RegisterShellScreens();
-    RegisterMonitors();
+    MonitorScreenTest::SetUp();
     char path[64] = {};
     ASSERT_EQ(::openpty(&unit, &line, path, nullptr, nullptr), 0);
     ::setenv("HALVANE2_COM4", path, 1);
-    Main();
-    RunPending();
+    Start();
     StoreSetting("Options", "Screensetting", 0);
     StoreSetting("Options", "Comport", 4);
   }
@@ -41,9 +24,7 @@ class Monitor1Leave : public PlatformTest {
     ::close(unit);
     ::close(line);
     CurrentBinPath.clear();
-    PlatformTest::TearDown();
-    ResetCalibrationState();
-    ResetLinkState();
+    MonitorScreenTest::TearDown();
   }
   // Opens the monitor and leaves it so, once, as soon as it is shown. Result: where that leads to.
   static std::string Leave(void (*so)()) {
@@ -61,7 +42,7 @@ class Monitor1Leave : public PlatformTest {
     EXPECT_FALSE(Monitor1.loaded);
     EXPECT_FALSE(PortHeld);
     EXPECT_EQ(MonitorMode, 0);
-    return TopWorkScreen() ? TopWorkScreen()->name : "";
+    return Top();
   }
 
   int unit = -1, line = -1;

@@ -1,40 +1,15 @@
 // The digital monitor as its user meets it, by keys and clicks, on both platforms; without a unit.
 #include "monitors/monitor3.h"
 
-#include "core/globalstate.h"
-#include "core/settings.h"
-#include "link/comm.h"
-#include "link/liveframe.h"
-#include "link/onfly.h"
-#include "monitors/monitors.h"
-#include "platform/frame.h"
-#include "platform/loop.h"
-#include "shell/mainframe.h"
-#include "shell/mainmenu.h"
-#include "shell/navigation.h"
-#include "shell/start.h"
-#include "support/user.h"
+#include "screens/monitorscreens.h"
 
 namespace {
 
-class Monitor3Screen : public PlatformTest {
+class Monitor3Screen : public MonitorScreenTest {
  protected:
   void SetUp() override {
-    PlatformTest::SetUp();
-    ResetCalibrationState();
-    ResetLinkState();
-    ResetLiveFlags();
-    ResetOnflyState();
-    RegisterShellScreens();
-    RegisterMonitors();
-    Main();
-    RunPending();
-  }
-  void TearDown() override {
-    UnloadAllScreens();
-    PlatformTest::TearDown();
-    ResetCalibrationState();
-    ResetLinkState();
+    MonitorScreenTest::SetUp();
+    Start();
   }
   void Show() {
     ShowScreen(Monitor3);
@@ -62,18 +37,7 @@ TEST_F(Monitor3Screen, LettersToggleInUpperAndLowerCase) {
   EXPECT_TRUE(ImperialUnits);
   TypeText("T");
   EXPECT_FALSE(ImperialUnits);
-  TypeText("f");
-  EXPECT_FALSE(FuelInLitres);
-  TypeText("F");
-  EXPECT_TRUE(FuelInLitres);
-  TypeText("c");
-  EXPECT_FALSE(ClosedLoop);
-  EXPECT_EQ(PendEgo, 1);
-  TypeText("C");
-  EXPECT_TRUE(ClosedLoop);
-  KillFirst = true;
-  TypeText("k");
-  EXPECT_FALSE(KillFirst);
+  ExpectLettersToggle();
 }
 
 TEST_F(Monitor3Screen, EnterDoesNotPressExit) {
@@ -96,28 +60,7 @@ TEST_F(Monitor3Screen, F1OpensThePanelAndEscClosesIt) {
   EXPECT_TRUE(Monitor3.visible);
 }
 
-// Opened by the button of the main menu, without a unit: the failure screen, and back.
 TEST_F(Monitor3Screen, WithoutAPortTheFailureScreenComesAndCancelReturnsToTheMainMenu) {
-  StoreSetting("Options", "Screensetting", 1);
-  StoreSetting("Options", "Comport", 4);
-  std::string title;
-  bool held = true, buttons = true;
-  const int timer = StartTimer(20, [&] {
-    if (!helpfrm.visible) return;
-    title = helpfrm.title;
-    held = PortHeld;
-    buttons = ShownEnabled(Form1, "SoftwareTools");
-    UnloadScreen(helpfrm);
-  });
-  PressKey("Alt+M");
-  RunPending();
-  StopTimer(timer);
-  EXPECT_EQ(title, "Halvane2  -  COM ERROR  0");
-  EXPECT_FALSE(held);
-  EXPECT_FALSE(buttons);
-  EXPECT_FALSE(Monitor3.loaded);
-  EXPECT_EQ(MonitorMode, 0);
-  EXPECT_EQ(TopWorkScreen(), &Form1);
+  ExpectFailureAndBack(Monitor3, 1, [] { EXPECT_FALSE(ShownEnabled(Form1, "SoftwareTools")); });
   EXPECT_TRUE(ShownEnabled(Form1, "SoftwareTools"));
-  EXPECT_EQ(FindMenu(frmMain, "mnuname")->caption, EditModeLine);
 }
