@@ -11,6 +11,7 @@
 #include "link/onfly.h"
 #include "link/postedwrite.h"
 #include "monitors/monitorkeys.h"
+#include "platform/fit.h"
 #include "shell/calscreen.h"
 #include "shell/navigation.h"
 
@@ -62,6 +63,7 @@ std::vector<FigureLabels> labels;
 void Build(Screen& screen) {
   colours = ColoursOfSetting();
   screen.backColour = colours.back;
+  FitTexts(screen, {.smallest = 0.65, .largest = 1, .widthShare = 0.64});  // the fields beside it
   Add(screen, {.name = "Figures", .kind = ControlKind::Grid, .backColour = colours.back});
   int at = 0;
   for (const LiveFigure& figure : figures) {
@@ -97,9 +99,7 @@ void ShowAll() {
                 DutyPercent() > 100 ? colours.warning : colours.caption);
 }
 
-void ShowAge() {
-  ColourFigures(labels, LiveFiguresOld() ? colours.muted : colours.figure);
-}
+void ShowAge() { ColourFigures(labels, LiveFiguresOld() ? colours.muted : colours.figure); }
 
 // ---- the loop's routines ------------------------------------------------------------------------
 

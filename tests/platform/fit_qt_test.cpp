@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QLayout>
 #include <QMainWindow>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 
@@ -131,6 +132,40 @@ TEST_F(FitQtTest, WhatIsShownLaterIsFittedIn) {
   RunPending();
   EXPECT_LT(Factor("Label0"), without - 0.02);
   EXPECT_FALSE(Scrolls());
+}
+
+// What is worked on below it stands at the left.
+TEST_F(FitQtTest, WindowAboveTheFrameLeavesSomeOfTheDesktopsWidth) {
+  const int desktop = FrameWindow()->screen()->availableGeometry().width();
+  Screen above{.name = "frmAbove",
+               .title = "Above",
+               .placement = ScreenPlacement::Above,
+               .build = [](Screen& s) {
+                 Add(s, {.name = "Label", .caption = "0", .widthChars = 40});
+                 FitTexts(s, {.smallest = 0.5, .largest = 1, .widthShare = 0.6});
+               }};
+  for (double enlarged : {1.0, 1.5, 2.0}) {
+    SCOPED_TRACE(enlarged);
+    QFont large = font;
+    large.setPointSizeF(font.pointSizeF() * enlarged);
+    QApplication::setFont(large);
+    ShowScreen(above);
+    RunPending();
+    const QWidget& window = *static_cast<QtScreen*>(above.native)->window;
+    const auto& scrolled = *static_cast<QtScreen*>(above.native)->page->findChild<QScrollArea*>();
+    const double factor =
+        WidgetOf(At(above, "Label"))->font().pointSizeF() / QApplication::font().pointSizeF();
+    EXPECT_LE(window.width(), 0.6 * desktop + 2);
+    EXPECT_EQ(scrolled.horizontalScrollBar()->maximum(), 0);
+    if (enlarged == 1.0) {
+      EXPECT_NEAR(factor, 1, 0.01) << "texts that fit stay as they are";
+    }
+    if (enlarged == 2.0) {
+      EXPECT_LT(factor, 0.95);
+    }
+    UnloadScreen(above);
+    RunPending();
+  }
 }
 
 TEST_F(FitQtTest, SmallFieldsAreAsHighAsTheirFontNeeds) {

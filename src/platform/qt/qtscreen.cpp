@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/fit.h"
 #include "platform/frame.h"
 #include "platform/native.h"
 #include "platform/qt/qtactivation.h"
@@ -197,6 +198,11 @@ void Forget(QtScreen& native) {
 
 // ---- showing ------------------------------------------------------------------------------------
 
+QRect DesktopOfFrame() {
+  QWidget* frame = FrameWindow();
+  return (frame ? frame->screen() : QApplication::primaryScreen())->availableGeometry();
+}
+
 // A scaled display rounds the size of a window down; without a little more than the content needs,
 // scroll bars would come up.
 QSize WindowSize(const QtScreen& native, const QRect& desktop) {
@@ -218,7 +224,7 @@ QPoint PlaceBeside(const QWidget& frame, QSize size, const QRect& desktop) {
 void PlaceWindow(QtScreen& native) {
   const Screen& screen = *native.screen;
   QWidget* frame = FrameWindow();
-  QRect desktop = (frame ? frame->screen() : QApplication::primaryScreen())->availableGeometry();
+  QRect desktop = DesktopOfFrame();
   QSize size = WindowSize(native, desktop);
   native.window->resize(size);
   if (screen.placement == ScreenPlacement::Dialog) {
@@ -236,8 +242,26 @@ void PlaceWindow(QtScreen& native) {
   }
 }
 
+// Works out the sizes of everything inside, so that the page can be asked for its own.
+void SettleLayouts(QWidget& widget) {
+  for (QObject* child : widget.children())
+    if (child->isWidgetType()) SettleLayouts(static_cast<QWidget&>(*child));
+  if (widget.layout()) widget.layout()->activate();
+  widget.updateGeometry();
+}
+
+// The work below a window that stands above the frame is to be seen.
+void FitAboveWork(QtScreen& native) {
+  if (native.screen->placement != ScreenPlacement::Above) return;
+  const QSize desktop = DesktopOfFrame().size();
+  const int width = static_cast<int>(desktop.width() * FitOf(*native.screen).widthShare);
+  FitTextsInto(native, *native.root->parentWidget(), {width, desktop.height()});
+  SettleLayouts(*native.page);
+}
+
 void ShowWindow(QtScreen& native) {
   if (!native.window->isVisible()) {
+    FitAboveWork(native);
     PlaceWindow(native);
     native.window->show();
     NoteComingUp(*native.window);
@@ -249,14 +273,6 @@ void ShowWindow(QtScreen& native) {
 void ShowRecords(QtScreen& native) {
   for (QtControl& control : native.controls) ShowRecord(control);
   NativeScreenChanged(*native.screen);
-}
-
-// Works out the sizes of everything inside, so that the page can be asked for its own.
-void SettleLayouts(QWidget& widget) {
-  for (QObject* child : widget.children())
-    if (child->isWidgetType()) SettleLayouts(static_cast<QWidget&>(*child));
-  if (widget.layout()) widget.layout()->activate();
-  widget.updateGeometry();
 }
 
 // Hands the size of the page down to everything inside.
