@@ -75,10 +75,12 @@ LeaveRule Unwanted() {
 }
 
 // The unit carries the write out with its end record: who leaves while the answer is due still
-// wants to know whether it has.
-bool EndIsLeft() {
+// wants to know whether it has. From now on; one that is silent then is not waited for again.
+LeaveRule AnswerIsNotDue() {
   constexpr std::int64_t answerUs = 60'000;
-  return LoopMustEnd() && (LinkLost() || MonotonicMicroseconds() - MSComm1.times.sentUs > answerUs);
+  return [dueUs = MonotonicMicroseconds() + answerUs] {
+    return LoopMustEnd() && (LinkLost() || MonotonicMicroseconds() > dueUs);
+  };
 }
 
 void SendOpening() {
@@ -123,7 +125,7 @@ Write WriteRecord(const std::string& record) {
                                         {'A', 'X', openings - 1});
   if (records == 0 || unwanted()) return Write::Left;
   if (!RepliedWith('P', 'N')) return Refuse(faultRecord);
-  if (SendUntilAnswered(SendEndRecord, waitForEnd, EndIsLeft, {'P', 'N', records - 1}) == 0)
+  if (SendUntilAnswered(SendEndRecord, waitForEnd, AnswerIsNotDue(), {'P', 'N', records - 1}) == 0)
     return Write::Left;
   if (!RepliedWith('P', 'C')) return Refuse(faultEnd);
   return Write::Accepted;
