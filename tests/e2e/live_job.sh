@@ -30,10 +30,8 @@ monitor_comes_back() { # AFTER WHAT
   wait_for 5 "the keys of the editor $1" has_the_keys "$frame"
 }
 
-# A click into the monitor's window, as soon as there is one.
-click_monitor() {
-  xdotool mousemove --window "$(window_titled "$monitor")" 30 30 click 1 2>/dev/null
-}
+# A click into the monitor's window.
+click_monitor() { xdotool mousemove --window "$(window_titled "$monitor")" 30 30 click 1; }
 
 prepare_garage "$1" "$2"
 start_display 1024 768
@@ -74,7 +72,9 @@ wait_for 30 "the failure screen of the unplugged cable" window_titled 'COM ERROR
 picture unplugged
 zem replug
 answer 'COM ERROR' Return
-wait_for 30 "the digital monitor on the replugged cable" click_monitor
+wait_for 30 "the digital monitor on the replugged cable" window_titled "$monitor"
+frames_flow
+click_monitor
 frames_flow
 has_the_keys "$monitor" || die "the keys have left the window that was clicked"
 edit 2.5 20
