@@ -294,6 +294,7 @@ bool Filter::MouseDown(QObject* watched) {
   if (!watched->isWidgetType() || QApplication::activePopupWidget()) return false;
   auto* widget = static_cast<QWidget*>(watched);
   ForgetActivationWish();
+  WishActivation(*widget->window());  // another one may have been asked for a moment ago
   swallowsMouse = false;
   QtScreen* native = ScreenOfWidget(widget);
   if (!native || !native->screen) return false;
